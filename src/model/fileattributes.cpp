@@ -1,0 +1,34 @@
+#include "model/fileattributes.h"
+
+#include <chrono>
+#include <system_error>
+
+namespace quillfern::fileattributes {
+
+namespace fs = std::filesystem;
+
+std::optional<QDateTime> modificationDate(const fs::path &path)
+{
+    std::error_code error;
+    const fs::file_time_type fileTime = fs::last_write_time(path, error);
+    if (error)
+        return std::nullopt;
+    const auto systemTime = std::chrono::file_clock::to_sys(fileTime);
+    const auto milliseconds = std::chrono::duration_cast<std::chrono::milliseconds>(systemTime.time_since_epoch());
+    return QDateTime::fromMSecsSinceEpoch(milliseconds.count(), Qt::UTC);
+}
+
+std::optional<qint64> fileSize(const fs::path &path)
+{
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    // Directories report the size of their own records on some systems; that is not a size a user means.
+    if (error || fs::is_directory(status) || !fs::exists(status))
+        return std::nullopt;
+    const std::uintmax_t size = fs::file_size(path, error);
+    if (error)
+        return std::nullopt;
+    return qint64(size);
+}
+
+} // namespace quillfern::fileattributes

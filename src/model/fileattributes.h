@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QDateTime>
+
+#include <filesystem>
+#include <optional>
+
+namespace quillfern {
+
+/// File-system attributes of the item at a path, read afresh on every call; nothing is cached.
+namespace fileattributes {
+
+/// The content-modification date, or none when it cannot be read.
+std::optional<QDateTime> modificationDate(const std::filesystem::path &path);
+
+/// The size in bytes of a file, or none when it cannot be read or the item is a directory.
+std::optional<qint64> fileSize(const std::filesystem::path &path);
+
+} // namespace fileattributes
+} // namespace quillfern

@@ -1,0 +1,107 @@
+#include "model/fileitem.h"
+
+#include "model/bytecount.h"
+#include "model/fileattributes.h"
+#include "model/icutext_p.h"
+#include "model/nativepath.h"
+
+#include <QHashFunctions>
+
+#include <unicode/datefmt.h>
+
+#include <memory>
+
+namespace quillfern {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr QStringView noValue = u"—";
+
+fs::path withoutTrailingSeparator(fs::path location)
+{
+    // "a/b/" names the folder b; its last component must be "b", not the empty name after the slash.
+    while (!location.has_filename() && location.has_relative_path())
+        location = location.parent_path();
+    return location;
+}
+
+bool probeIsDirectory(const fs::path &location)
+{
+    std::error_code error;
+    return fs::is_directory(location, error);
+}
+
+QString formatShortDateTime(const QDateTime &date)
+{
+    // Creating an ICU formatter is costly next to formatting, so each thread keeps one for the default locale.
+    thread_local std::unique_ptr<icu::DateFormat> formatter(
+        icu::DateFormat::createDateTimeInstance(icu::DateFormat::kShort, icu::DateFormat::kShort));
+    if (!formatter)
+        return noValue.toString();
+    icu::UnicodeString text;
+    formatter->format(UDate(date.toMSecsSinceEpoch()), text);
+    return icutext::toQString(text);
+}
+
+} // namespace
+
+FileItem::FileItem(fs::path location)
+    : id(QUuid::createUuid())
+    , url(withoutTrailingSeparator(std::move(location)))
+    , previewName(nativepath::toText(url.filename()))
+    , isDirectory(probeIsDirectory(url))
+{
+}
+
+qsizetype extensionDotIndex(QStringView name)
+{
+    const qsizetype dot = name.lastIndexOf(u'.');
+    if (dot <= 0 || dot == name.size() - 1)
+        return -1;
+    return dot;
+}
+
+QString FileItem::originalName() const
+{
+    return nativepath::toText(url.filename());
+}
+
+QString FileItem::nameWithoutExtension() const
+{
+    const QString name = originalName();
+    const qsizetype dot = extensionDotIndex(name);
+    return dot < 0 ? name : name.left(dot);
+}
+
+QString FileItem::fileExtension() const
+{
+    const QString name = originalName();
+    const qsizetype dot = extensionDotIndex(name);
+    return dot < 0 ? QString() : name.mid(dot + 1);
+}
+
+fs::path FileItem::parentURL() const
+{
+    return url.parent_path();
+}
+
+QString FileItem::fileSizeString() const
+{
+    const std::optional<qint64> size = fileattributes::fileSize(url);
+    return size ? formatByteCount(*size) : noValue.toString();
+}
+
+QString FileItem::modifiedDateString() const
+{
+    const std::optional<QDateTime> date = fileattributes::modificationDate(url);
+    return date ? formatShortDateTime(*date) : noValue.toString();
+}
+
+size_t qHash(const FileItem &item, size_t seed) noexcept
+{
+    return qHash(item.id, seed);
+}
+
+} // namespace quillfern

@@ -1,0 +1,24 @@
+#include "model/nativepath.h"
+
+namespace quillfern::nativepath {
+
+QString toText(const std::filesystem::path &path)
+{
+#ifdef Q_OS_WIN
+    return QString::fromStdWString(path.native());
+#else
+    const std::string &bytes = path.native();
+    return QString::fromUtf8(bytes.data(), qsizetype(bytes.size()));
+#endif
+}
+
+std::filesystem::path fromText(const QString &text)
+{
+#ifdef Q_OS_WIN
+    return std::filesystem::path(text.toStdWString());
+#else
+    return std::filesystem::path(text.toStdString());
+#endif
+}
+
+} // namespace quillfern::nativepath

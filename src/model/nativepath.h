@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+#include <filesystem>
+
+namespace quillfern {
+
+/// Conversions between native paths and text. A native path keeps the exact bytes (POSIX) or UTF-16 units
+/// (Windows) of a name, so a file whose name is not valid UTF-8 can still be found and renamed.
+namespace nativepath {
+
+/// The text of a path or name for display and for the rules; bytes that are not valid UTF-8 become U+FFFD.
+QString toText(const std::filesystem::path &path);
+
+/// The native path for a text (UTF-8 bytes on POSIX).
+std::filesystem::path fromText(const QString &text);
+
+} // namespace nativepath
+} // namespace quillfern

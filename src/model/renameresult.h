@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QString>
+
+#include <filesystem>
+#include <optional>
+
+namespace quillfern {
+
+/// The outcome of one attempted move of a batch rename.
+struct RenameResult
+{
+    std::filesystem::path originalURL;
+    std::filesystem::path newURL;
+    bool success = false;
+    /// Why the move failed, readable as it is ("A file named “b.txt” already exists."); absent on success.
+    std::optional<QString> error;
+};
+
+} // namespace quillfern
