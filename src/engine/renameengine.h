@@ -27,6 +27,11 @@ public:
                                             qint64 index,
                                             const QString &extension);
 
+    /// The message the fatal precondition check would print when the rules are applied to files 0 to
+    /// fileCount - 1 in order (a negative remove count or position, a numbering overflow); empty when none.
+    /// Lets a caller refuse bad input before calling the engine.
+    [[nodiscard]] static QString preconditionViolation(const QList<RenameRule> &rules, qint64 fileCount);
+
     /// One entry per file, in order, with later files whose new name repeats an earlier one (ignoring case)
     /// marked as conflicts. Never touches the disk.
     [[nodiscard]] static QList<PreviewEntry> preview(const QList<RenameRule> &rules, const QList<FileItem> &files);

@@ -48,10 +48,15 @@ QString formatShortDateTime(const QDateTime &date)
 } // namespace
 
 FileItem::FileItem(fs::path location)
+    : FileItem(location, probeIsDirectory(location))
+{
+}
+
+FileItem::FileItem(fs::path location, bool locationIsDirectory)
     : id(QUuid::createUuid())
     , url(withoutTrailingSeparator(std::move(location)))
     , previewName(nativepath::toText(url.filename()))
-    , isDirectory(probeIsDirectory(url))
+    , isDirectory(locationIsDirectory)
 {
 }
 

@@ -14,6 +14,8 @@ struct FileItem
     /// An item for the location: a fresh id, selected, no conflict, previewName the current name, and
     /// isDirectory probed from the file system (false when nothing exists there).
     explicit FileItem(std::filesystem::path location);
+    /// The same, for a caller that has just learnt from a directory listing whether the location is a folder.
+    FileItem(std::filesystem::path location, bool locationIsDirectory);
 
     QUuid id;
     std::filesystem::path url;

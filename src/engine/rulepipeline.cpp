@@ -1,0 +1,330 @@
+#include "engine/rulepipeline_p.h"
+
+#include "engine/preconditions_p.h"
+#include "engine/textcleanup_p.h"
+#include "model/icutext_p.h"
+
+#include <QRegularExpression>
+
+#include <unicode/calendar.h>
+
+#include <algorithm>
+#include <utility>
+
+using namespace Qt::StringLiterals;
+
+namespace quillfern {
+
+namespace {
+
+/// The text with the code units [start, end) replaced.
+QString spliced(const QString &text, qsizetype start, qsizetype end, QStringView replacement)
+{
+    return QStringView(text).first(start) + replacement + QStringView(text).sliced(end);
+}
+
+/// The number in decimal, zero-filled to at least `padding` characters with a minus sign counting toward the
+/// width, as C's "%0<padding>d" does.
+QString paddedDigits(qint64 number, qint64 padding)
+{
+    const QString digits = QString::number(number);
+    if (padding < 1 || digits.size() >= padding)
+        return digits;
+    const qsizetype zeros = qsizetype(padding) - digits.size();
+    if (number < 0)
+        return u'-' + QString(zeros, u'0') + QStringView(digits).sliced(1);
+    return QString(zeros, u'0') + digits;
+}
+
+} // namespace
+
+RulePipeline::RulePipeline(const QList<RenameRule> &rules)
+    : m_rules(rules)
+{
+    for (const RenameRule &rule : std::as_const(m_rules)) {
+        if (!rule.isEnabled)
+            continue;
+        // The extension rule acts on the extension only, and only the last enabled one counts.
+        if (rule.type == RuleType::ExtensionChange)
+            m_extension = rule.newExtension;
+        else
+            m_steps.push_back(compile(rule));
+    }
+}
+
+std::unique_ptr<IcuMatcher> RulePipeline::caseInsensitiveSearch(const QString &literal)
+{
+    return std::make_unique<IcuMatcher>(literal, UREGEX_LITERAL | UREGEX_CASE_INSENSITIVE);
+}
+
+RulePipeline::Step RulePipeline::compile(const RenameRule &rule)
+{
+    Step step;
+    step.rule = &rule;
+    switch (rule.type) {
+    case RuleType::Replace:
+        if (rule.useRegex)
+            step.pattern = std::make_unique<IcuMatcher>(rule.findText, rule.isCaseSensitive ? 0 : UREGEX_CASE_INSENSITIVE);
+        else if (!rule.isCaseSensitive && !rule.findText.isEmpty())
+            step.search = caseInsensitiveSearch(rule.findText);
+        break;
+    case RuleType::Insert:
+        if (!rule.insertAnchorText.isEmpty())
+            step.search = caseInsensitiveSearch(rule.insertAnchorText);
+        break;
+    case RuleType::Remove:
+        if (rule.removeTarget == RemoveTarget::Text && !rule.removeText.isEmpty())
+            step.search = caseInsensitiveSearch(rule.removeText);
+        if (rule.removeTarget == RemoveTarget::BetweenText && !rule.removeBetweenStart.isEmpty()
+            && !rule.removeBetweenEnd.isEmpty()) {
+            step.search = caseInsensitiveSearch(rule.removeBetweenStart);
+            step.endSearch = caseInsensitiveSearch(rule.removeBetweenEnd);
+        }
+        break;
+    case RuleType::DateStamp: {
+        UErrorCode status = U_ZERO_ERROR;
+        auto format = std::make_unique<icu::SimpleDateFormat>(
+            icutext::alias(rule.dateFormat), icu::Locale::getDefault(), status);
+        if (icutext::succeeded(status))
+            step.dateFormat = std::move(format);
+        break;
+    }
+    case RuleType::Regex:
+        if (!rule.findText.isEmpty())
+            step.pattern = std::make_unique<IcuMatcher>(rule.findText, 0);
+        break;
+    case RuleType::CaseConversion:
+    case RuleType::Numbering:
+    case RuleType::Cleanup:
+    case RuleType::Trim:
+    case RuleType::ExtensionChange:
+        break;
+    }
+    return step;
+}
+
+QString RulePipeline::applyRules(const QString &name, qint64 index)
+{
+    QString current = name;
+    for (Step &step : m_steps)
+        current = applyStep(step, current, index);
+    return current;
+}
+
+QString RulePipeline::newName(const FileItem &file, qint64 index)
+{
+    const QString original = file.originalName();
+    const qsizetype dot = extensionDotIndex(original);
+    const QString base = dot < 0 ? original : original.first(dot);
+    const QString extension = m_extension.value_or(dot < 0 ? QString() : original.sliced(dot + 1));
+    const QString newBase = applyRules(base, index);
+    return extension.isEmpty() ? newBase : newBase + u'.' + extension;
+}
+
+QString RulePipeline::conflictKey(const QString &name) const
+{
+    return m_caseMapper.lower(name);
+}
+
+QString RulePipeline::applyStep(Step &step, const QString &text, qint64 index)
+{
+    const RenameRule &rule = *step.rule;
+    switch (rule.type) {
+    case RuleType::Replace:
+        return applyReplace(step, text);
+    case RuleType::Insert:
+        return applyInsert(step, text);
+    case RuleType::Remove:
+        return applyRemove(step, text);
+    case RuleType::CaseConversion:
+        return applyCase(rule, text);
+    case RuleType::Numbering:
+        return applyNumbering(rule, text, index);
+    case RuleType::Cleanup:
+        return applyCleanup(rule, text);
+    case RuleType::Trim:
+        return textcleanup::trimWhitespace(text);
+    case RuleType::DateStamp:
+        return applyDate(step, text);
+    case RuleType::Regex:
+        return applyRegex(step, text);
+    case RuleType::ExtensionChange:
+        return text;
+    }
+    Q_UNREACHABLE();
+    return text;
+}
+
+QString RulePipeline::applyReplace(Step &step, const QString &text)
+{
+    const RenameRule &rule = *step.rule;
+    if (step.pattern)
+        return step.pattern->replaceAll(text, rule.replaceText, IcuMatcher::Replacement::Template).value_or(text);
+    if (step.search)
+        return step.search->replaceAll(text, rule.replaceText, IcuMatcher::Replacement::Literal).value_or(text);
+    if (rule.findText.isEmpty())
+        return text;
+    return QString(text).replace(rule.findText, rule.replaceText, Qt::CaseSensitive);
+}
+
+QString RulePipeline::applyInsert(Step &step, const QString &text)
+{
+    const RenameRule &rule = *step.rule;
+    switch (rule.insertPosition) {
+    case InsertPosition::Beginning:
+        return rule.insertText + text;
+    case InsertPosition::End:
+        return text + rule.insertText;
+    case InsertPosition::AtIndex: {
+        const qsizetype offset = m_graphemes.offsetOf(text, std::max<qint64>(0, rule.insertIndex));
+        return spliced(text, offset, offset, rule.insertText);
+    }
+    case InsertPosition::BeforeText:
+    case InsertPosition::AfterText: {
+        const auto match = step.search ? step.search->firstMatch(text) : std::nullopt;
+        if (!match)
+            return text;
+        // The matched characters are written back in the anchor's own spelling.
+        const QString replacement = rule.insertPosition == InsertPosition::BeforeText
+                                        ? rule.insertText + rule.insertAnchorText
+                                        : rule.insertAnchorText + rule.insertText;
+        return spliced(text, match->start, match->end, replacement);
+    }
+    }
+    Q_UNREACHABLE();
+    return text;
+}
+
+QString RulePipeline::applyRemove(Step &step, const QString &text)
+{
+    const RenameRule &rule = *step.rule;
+    if (const QString violation = preconditions::removeViolation(rule); !violation.isEmpty())
+        preconditions::fail(violation);
+    switch (rule.removeTarget) {
+    case RemoveTarget::Text:
+        if (!step.search)
+            return text;
+        return step.search->replaceAll(text, QString(), IcuMatcher::Replacement::Literal).value_or(text);
+    case RemoveTarget::FirstN:
+        return text.sliced(m_graphemes.offsetOf(text, rule.removeCount));
+    case RemoveTarget::LastN: {
+        const qsizetype count = m_graphemes.count(text);
+        return text.first(m_graphemes.offsetOf(text, count - std::min<qint64>(rule.removeCount, count)));
+    }
+    case RemoveTarget::FromTo: {
+        const qsizetype count = m_graphemes.count(text);
+        const qint64 from = std::min<qint64>(rule.removeFromIndex, count);
+        const qint64 to = std::min<qint64>(rule.removeToIndex, count);
+        if (from >= to)
+            return text;
+        return spliced(text, m_graphemes.offsetOf(text, from), m_graphemes.offsetOf(text, to), {});
+    }
+    case RemoveTarget::BetweenText:
+        return applyRemoveBetween(step, text);
+    }
+    Q_UNREACHABLE();
+    return text;
+}
+
+QString RulePipeline::applyRemoveBetween(Step &step, const QString &text)
+{
+    if (!step.search || !step.endSearch)
+        return text;
+    // Both markers are searched from the start of the text, so identical markers find the same occurrence.
+    const auto start = step.search->firstMatch(text);
+    if (!start)
+        return text;
+    const auto end = step.endSearch->firstMatch(text);
+    if (!end || start->end > end->start)
+        return text;
+    return spliced(text, start->end, end->start, {});
+}
+
+QString RulePipeline::applyCase(const RenameRule &rule, const QString &text)
+{
+    switch (rule.caseType) {
+    case CaseConversionType::Uppercase:
+        return m_caseMapper.upper(text);
+    case CaseConversionType::Lowercase:
+        return m_caseMapper.lower(text);
+    case CaseConversionType::TitleCase:
+        return m_caseMapper.title(text);
+    case CaseConversionType::CamelCase: {
+        static const QRegularExpression separators(u"[ _-]"_s);
+        const QStringList pieces = text.split(separators);
+        QString result = m_caseMapper.lower(pieces.first());
+        for (qsizetype i = 1; i < pieces.size(); ++i)
+            result += m_caseMapper.title(pieces[i]);
+        return result;
+    }
+    case CaseConversionType::SnakeCase:
+        return m_caseMapper.lower(text).replace(u' ', u'_');
+    case CaseConversionType::SentenceCase:
+        return capitalizeFirst(text);
+    }
+    Q_UNREACHABLE();
+    return text;
+}
+
+QString RulePipeline::capitalizeFirst(const QString &text)
+{
+    if (text.isEmpty())
+        return text;
+    const qsizetype firstEnd = m_graphemes.offsetOf(text, 1);
+    return m_caseMapper.upper(text.first(firstEnd)) + m_caseMapper.lower(text.sliced(firstEnd));
+}
+
+QString RulePipeline::applyNumbering(const RenameRule &rule, const QString &text, qint64 index)
+{
+    const std::optional<qint64> number = preconditions::numberFor(rule, index);
+    if (!number)
+        preconditions::fail(preconditions::numberingOverflow(rule, index));
+    const QString digits = paddedDigits(*number, rule.numberingPadding);
+    switch (rule.numberingPosition) {
+    case NumberingPosition::Prefix:
+        return digits + rule.numberingSeparator + text;
+    case NumberingPosition::Suffix:
+        return text + rule.numberingSeparator + digits;
+    case NumberingPosition::Replace:
+        return digits;
+    }
+    Q_UNREACHABLE();
+    return text;
+}
+
+QString RulePipeline::applyCleanup(const RenameRule &rule, const QString &text)
+{
+    // The steps run once each, in this order; later steps may leave what earlier ones would have cleaned.
+    QString result = text;
+    if (rule.trimWhitespace)
+        result = textcleanup::trimWhitespace(result);
+    if (rule.removeDuplicateSpaces)
+        result = textcleanup::collapseSpaces(result);
+    if (rule.replaceSpacesWithUnderscores)
+        result.replace(u' ', u'_');
+    if (rule.removeSpecialChars)
+        result = textcleanup::keepAlphanumerics(result);
+    return result;
+}
+
+QString RulePipeline::applyDate(Step &step, const QString &text)
+{
+    QString date;
+    if (step.dateFormat) {
+        icu::UnicodeString formatted;
+        step.dateFormat->format(icu::Calendar::getNow(), formatted);
+        date = icutext::toQString(formatted);
+    }
+    if (step.rule->datePosition == InsertPosition::Beginning)
+        return date + u'_' + text;
+    return text + u'_' + date;
+}
+
+QString RulePipeline::applyRegex(Step &step, const QString &text)
+{
+    if (!step.pattern)
+        return text;
+    return step.pattern->replaceAll(text, step.rule->replaceText, IcuMatcher::Replacement::Template).value_or(text);
+}
+
+} // namespace quillfern

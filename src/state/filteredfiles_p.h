@@ -1,0 +1,22 @@
+#pragma once
+
+#include "model/fileitem.h"
+#include "state/appviewmodel.h"
+
+#include <QList>
+
+namespace quillfern {
+
+/// The rules that make filteredFiles out of the working list.
+struct FileListFilter
+{
+    QString filterText;
+    bool showOnlyFiles = false;
+    bool showOnlyFolders = false;
+    AppViewModel::SortOrder sortOrder = AppViewModel::SortOrder::Name;
+
+    /// The items that pass, stably sorted. File dates and sizes are read once per item per call.
+    [[nodiscard]] QList<FileItem> apply(const QList<FileItem> &files) const;
+};
+
+} // namespace quillfern

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "model/nativepath.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <filesystem>
+
+/// Creates files and folders below a temporary folder for state tests.
+class TestFiles final
+{
+public:
+    [[nodiscard]] std::filesystem::path path(const QString &relative) const
+    {
+        return quillfern::nativepath::fromText(m_dir.filePath(relative));
+    }
+
+    std::filesystem::path file(const QString &relative, const QByteArray &content = {}) const
+    {
+        const QString full = m_dir.filePath(relative);
+        QDir().mkpath(QFileInfo(full).absolutePath());
+        QFile file(full);
+        if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+            qFatal("cannot create test file");
+        return path(relative);
+    }
+
+    std::filesystem::path folder(const QString &relative) const
+    {
+        QDir().mkpath(m_dir.filePath(relative));
+        return path(relative);
+    }
+
+    [[nodiscard]] bool exists(const QString &relative) const { return QFileInfo::exists(m_dir.filePath(relative)); }
+
+private:
+    QTemporaryDir m_dir;
+};

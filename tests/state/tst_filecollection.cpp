@@ -1,0 +1,377 @@
+#include "fakepanelprovider.h"
+#include "testfiles.h"
+
+#include "model/fileattributes.h"
+#include "state/appviewmodel.h"
+
+#include <QSignalSpy>
+#include <QTest>
+
+#include <fstream>
+
+using namespace quillfern;
+using namespace Qt::StringLiterals;
+namespace fs = std::filesystem;
+
+namespace {
+
+QStringList names(const QList<FileItem> &items)
+{
+    QStringList result;
+    for (const FileItem &item : items)
+        result << item.originalName();
+    return result;
+}
+
+void setModificationTime(const fs::path &path, int secondsAgo)
+{
+    fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::seconds(secondsAgo));
+}
+
+} // namespace
+
+class TestFileCollection final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void startsEmptyWithItsDefaults();
+    void folderIsOneItemWithoutSubfolders();
+    void folderIsExpandedWithSubfolders();
+    void namesThatAreNotUtf8AreListed();
+    void knownUrlIsNotAddedAgain();
+    void sameNewUrlTwiceInOneCallIsAddedTwice();
+    void missingPathIsAdded();
+    void addingAnnouncesFilesAndPreviews();
+    void bothOnlyFlagsGiveNothing();
+    void onlyFlagsFilterByKind();
+    void filterIsCaseInsensitiveOnTheFullName();
+    void nameSortIsNotNumeric();
+    void dateSortPutsNewestFirstAndUndatedLast();
+    void sizeSortPutsLargestFirstAndFoldersLast();
+    void typeSortPutsNoExtensionFirst();
+    void sortIsStable();
+    void selectAllReachesFilteredOutItems();
+    void deselectAndInvert();
+    void removeFilesById();
+    void clearFilesKeepsRulesAndHistory();
+    void selectFilesAddsChosenOrNothingOnCancel();
+    void sortOrderRawValues();
+    void directoriesHaveNoSize();
+};
+
+void TestFileCollection::startsEmptyWithItsDefaults()
+{
+    const AppViewModel vm;
+    QVERIFY(vm.files().isEmpty());
+    QVERIFY(vm.rules().isEmpty());
+    QVERIFY(vm.previews().isEmpty());
+    QVERIFY(!vm.isRenaming());
+    QVERIFY(!vm.showRenameResult());
+    QCOMPARE(vm.sortOrder(), AppViewModel::SortOrder::Name);
+    QVERIFY(vm.filterText().isEmpty());
+    QVERIFY(!vm.includeSubfolders());
+    QVERIFY(!vm.showOnlyFiles());
+    QVERIFY(!vm.showOnlyFolders());
+    QVERIFY(vm.naturalLanguageInput().isEmpty());
+    QVERIFY(vm.nlSuggestions().isEmpty());
+    QVERIFY(!vm.showNLPanel());
+    QVERIFY(vm.selectedFileIDs().isEmpty());
+    QVERIFY(vm.undoStack().isEmpty());
+    QVERIFY(vm.redoStack().isEmpty());
+    QCOMPARE(vm.selectedCount(), 0);
+    QCOMPARE(vm.conflictCount(), 0);
+}
+
+void TestFileCollection::folderIsOneItemWithoutSubfolders()
+{
+    TestFiles files;
+    files.file(u"album/a.jpg"_s);
+    AppViewModel vm;
+    vm.addFiles({files.path(u"album"_s)});
+    QCOMPARE(vm.files().size(), 1);
+    QCOMPARE(vm.files().first().originalName(), u"album"_s);
+    QVERIFY(vm.files().first().isDirectory);
+    QVERIFY(vm.files().first().isSelected);
+}
+
+void TestFileCollection::folderIsExpandedWithSubfolders()
+{
+    TestFiles files;
+    files.file(u"album/a.jpg"_s);
+    files.file(u"album/.hidden"_s);
+    files.file(u"album/deep/er/b.txt"_s);
+    files.folder(u"album/empty"_s);
+    AppViewModel vm;
+    vm.setIncludeSubfolders(true);
+    vm.addFiles({files.path(u"album"_s)});
+    QStringList found = names(vm.files());
+    found.sort();
+    QCOMPARE(found, (QStringList{u".hidden"_s, u"a.jpg"_s, u"b.txt"_s, u"deep"_s, u"empty"_s, u"er"_s}));
+    const auto deep = std::find_if(vm.files().cbegin(), vm.files().cend(), [](const FileItem &item) {
+        return item.originalName() == u"deep"_s;
+    });
+    QVERIFY(deep->isDirectory);
+    // Each folder comes before its contents.
+    const QStringList order = names(vm.files());
+    QVERIFY(order.indexOf(u"deep"_s) < order.indexOf(u"er"_s));
+    QVERIFY(order.indexOf(u"er"_s) < order.indexOf(u"b.txt"_s));
+}
+
+void TestFileCollection::namesThatAreNotUtf8AreListed()
+{
+#ifdef Q_OS_WIN
+    QSKIP("Windows names are UTF-16");
+#else
+    TestFiles files;
+    const fs::path folder = files.folder(u"legacy"_s);
+    std::ofstream(folder / "r\xe9sum\xe9.doc") << "x";
+    AppViewModel vm;
+    vm.setIncludeSubfolders(true);
+    vm.addFiles({folder});
+    QCOMPARE(vm.files().size(), 1);
+    QCOMPARE(vm.files().first().url.filename().native(), std::string("r\xe9sum\xe9.doc"));
+    QCOMPARE(vm.files().first().originalName(), u"r\uFFFDsum\uFFFD.doc"_s);
+#endif
+}
+
+void TestFileCollection::knownUrlIsNotAddedAgain()
+{
+    TestFiles files;
+    const fs::path a = files.file(u"a.txt"_s);
+    AppViewModel vm;
+    vm.addFiles({a});
+    const QUuid id = vm.files().first().id;
+    vm.addFiles({a});
+    QCOMPARE(vm.files().size(), 1);
+    QCOMPARE(vm.files().first().id, id);
+}
+
+void TestFileCollection::sameNewUrlTwiceInOneCallIsAddedTwice()
+{
+    TestFiles files;
+    const fs::path a = files.file(u"a.txt"_s);
+    AppViewModel vm;
+    vm.addFiles({a, a});
+    QCOMPARE(vm.files().size(), 2);
+    QVERIFY(vm.files()[0].id != vm.files()[1].id);
+}
+
+void TestFileCollection::missingPathIsAdded()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.setIncludeSubfolders(true);
+    vm.addFiles({files.path(u"not-there.txt"_s)});
+    QCOMPARE(vm.files().size(), 1);
+    QVERIFY(!vm.files().first().isDirectory);
+}
+
+void TestFileCollection::addingAnnouncesFilesAndPreviews()
+{
+    TestFiles files;
+    AppViewModel vm;
+    QSignalSpy filesSpy(&vm, &AppViewModel::filesChanged);
+    QSignalSpy previewsSpy(&vm, &AppViewModel::previewsChanged);
+    vm.addFiles({files.file(u"a.txt"_s), files.file(u"b.txt"_s)});
+    QCOMPARE(filesSpy.count(), 1);
+    QCOMPARE(previewsSpy.count(), 1);
+    QCOMPARE(vm.previews().size(), 2);
+    QCOMPARE(vm.previews().first().original, vm.previews().first().preview);
+}
+
+void TestFileCollection::bothOnlyFlagsGiveNothing()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s), files.folder(u"f"_s)});
+    vm.setShowOnlyFiles(true);
+    vm.setShowOnlyFolders(true);
+    QVERIFY(vm.filteredFiles().isEmpty());
+}
+
+void TestFileCollection::onlyFlagsFilterByKind()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s), files.folder(u"f"_s)});
+    vm.setShowOnlyFiles(true);
+    QCOMPARE(names(vm.filteredFiles()), QStringList{u"a.txt"_s});
+    vm.setShowOnlyFiles(false);
+    vm.setShowOnlyFolders(true);
+    QCOMPARE(names(vm.filteredFiles()), QStringList{u"f"_s});
+}
+
+void TestFileCollection::filterIsCaseInsensitiveOnTheFullName()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"photo.jpg"_s), files.file(u"notes.txt"_s), files.file(u"STRASSE.md"_s)});
+    QSignalSpy previewsSpy(&vm, &AppViewModel::previewsChanged);
+    vm.setFilterText(u"JPG"_s);
+    QCOMPARE(names(vm.filteredFiles()), QStringList{u"photo.jpg"_s});
+    QCOMPARE(previewsSpy.count(), 0); // the filter alone does not recompute previews
+    vm.setFilterText(u" jpg"_s);
+    QVERIFY(vm.filteredFiles().isEmpty()); // the filter text is not trimmed
+    vm.setFilterText(u"straße"_s);
+    QCOMPARE(names(vm.filteredFiles()), QStringList{u"STRASSE.md"_s});
+}
+
+void TestFileCollection::nameSortIsNotNumeric()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"file2.txt"_s), files.file(u"file10.txt"_s), files.file(u"File1.txt"_s)});
+    QCOMPARE(names(vm.filteredFiles()), (QStringList{u"File1.txt"_s, u"file10.txt"_s, u"file2.txt"_s}));
+}
+
+void TestFileCollection::dateSortPutsNewestFirstAndUndatedLast()
+{
+    TestFiles files;
+    const fs::path old = files.file(u"old.txt"_s);
+    const fs::path recent = files.file(u"recent.txt"_s);
+    setModificationTime(old, 3600);
+    setModificationTime(recent, 60);
+    AppViewModel vm;
+    vm.addFiles({files.path(u"gone.txt"_s), old, recent});
+    vm.setSortOrder(AppViewModel::SortOrder::Date);
+    QCOMPARE(names(vm.filteredFiles()), (QStringList{u"recent.txt"_s, u"old.txt"_s, u"gone.txt"_s}));
+    // Every sort reads the dates afresh.
+    setModificationTime(old, 1);
+    QCOMPARE(names(vm.filteredFiles()), (QStringList{u"old.txt"_s, u"recent.txt"_s, u"gone.txt"_s}));
+}
+
+void TestFileCollection::sizeSortPutsLargestFirstAndFoldersLast()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.folder(u"folder"_s),
+                 files.file(u"small.txt"_s, "12"),
+                 files.file(u"empty.txt"_s),
+                 files.file(u"large.txt"_s, QByteArray(5000, 'x'))});
+    vm.setSortOrder(AppViewModel::SortOrder::Size);
+    QCOMPARE(names(vm.filteredFiles()),
+             (QStringList{u"large.txt"_s, u"small.txt"_s, u"folder"_s, u"empty.txt"_s}));
+}
+
+void TestFileCollection::typeSortPutsNoExtensionFirst()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"b.txt"_s), files.file(u"a.jpg"_s), files.file(u"README"_s), files.file(u"c.JPG"_s)});
+    vm.setSortOrder(AppViewModel::SortOrder::Type);
+    QCOMPARE(names(vm.filteredFiles()), (QStringList{u"README"_s, u"a.jpg"_s, u"c.JPG"_s, u"b.txt"_s}));
+}
+
+void TestFileCollection::sortIsStable()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"z.txt"_s), files.file(u"y.txt"_s), files.file(u"x.txt"_s)});
+    vm.setSortOrder(AppViewModel::SortOrder::Type);
+    QCOMPARE(names(vm.filteredFiles()), (QStringList{u"z.txt"_s, u"y.txt"_s, u"x.txt"_s}));
+}
+
+void TestFileCollection::selectAllReachesFilteredOutItems()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s), files.file(u"b.jpg"_s)});
+    vm.deselectAll();
+    QCOMPARE(vm.selectedCount(), 0);
+    vm.setFilterText(u"jpg"_s);
+    QSignalSpy filesSpy(&vm, &AppViewModel::filesChanged);
+    QSignalSpy previewsSpy(&vm, &AppViewModel::previewsChanged);
+    vm.selectAll();
+    QCOMPARE(vm.selectedCount(), 2);
+    QVERIFY(filesSpy.count() >= 1);
+    QCOMPARE(previewsSpy.count(), 0);
+}
+
+void TestFileCollection::deselectAndInvert()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s), files.file(u"b.txt"_s), files.file(u"c.txt"_s)});
+    vm.setFileSelected(vm.files()[1].id, false);
+    QCOMPARE(vm.selectedCount(), 2);
+    vm.invertSelection();
+    QCOMPARE(vm.selectedCount(), 1);
+    QVERIFY(vm.files()[1].isSelected);
+    vm.deselectAll();
+    QCOMPARE(vm.selectedCount(), 0);
+}
+
+void TestFileCollection::removeFilesById()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s), files.file(u"b.txt"_s), files.file(u"c.txt"_s)});
+    QSignalSpy previewsSpy(&vm, &AppViewModel::previewsChanged);
+    FileItem stale = vm.files()[1];
+    stale.previewName = u"whatever"_s;
+    vm.removeFiles({stale});
+    QCOMPARE(names(vm.files()), (QStringList{u"a.txt"_s, u"c.txt"_s}));
+    QCOMPARE(vm.previews().size(), 2);
+    QCOMPARE(previewsSpy.count(), 1);
+}
+
+void TestFileCollection::clearFilesKeepsRulesAndHistory()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s)});
+    vm.addRule(RenameRule(RuleType::Trim));
+    vm.setSelectedFileIDs({vm.files().first().id});
+    vm.performRename();
+    QTRY_VERIFY(!vm.isRenaming());
+    vm.undoRename();
+    QCOMPARE(vm.redoStack().size(), 1);
+    vm.performRename();
+    QTRY_VERIFY(!vm.isRenaming());
+    QCOMPARE(vm.undoStack().size(), 1);
+
+    QSignalSpy previewsSpy(&vm, &AppViewModel::previewsChanged);
+    vm.clearFiles();
+    QVERIFY(vm.files().isEmpty());
+    QVERIFY(vm.previews().isEmpty());
+    QCOMPARE(vm.rules().size(), 1);
+    QCOMPARE(vm.undoStack().size(), 1);
+    QCOMPARE(vm.selectedFileIDs().size(), 1);
+    QCOMPARE(previewsSpy.count(), 1);
+}
+
+void TestFileCollection::selectFilesAddsChosenOrNothingOnCancel()
+{
+    TestFiles files;
+    FakePanelProvider panels;
+    AppViewModel vm;
+    vm.setPanelProvider(&panels);
+    vm.selectFiles();
+    QVERIFY(vm.files().isEmpty());
+    QCOMPARE(panels.openTitles, QStringList{u"Add Files & Folders"_s});
+    panels.openAnswer = QList<fs::path>{files.file(u"b.txt"_s), files.file(u"a.txt"_s)};
+    vm.selectFiles();
+    QCOMPARE(names(vm.files()), (QStringList{u"b.txt"_s, u"a.txt"_s}));
+}
+
+void TestFileCollection::sortOrderRawValues()
+{
+    QStringList values;
+    for (auto order : allCases<AppViewModel::SortOrder>())
+        values << rawValue(order);
+    QCOMPARE(values, (QStringList{u"Name"_s, u"Date Modified"_s, u"Size"_s, u"Type"_s}));
+    QCOMPARE(fromRawValue<AppViewModel::SortOrder>(u"Size"), std::optional(AppViewModel::SortOrder::Size));
+    QCOMPARE(fromRawValue<AppViewModel::SortOrder>(u"size"), std::nullopt);
+}
+
+void TestFileCollection::directoriesHaveNoSize()
+{
+    TestFiles files;
+    QCOMPARE(fileattributes::fileSize(files.folder(u"d"_s)), std::nullopt);
+    QCOMPARE(fileattributes::fileSize(files.file(u"f"_s, "abc")), std::optional<qint64>(3));
+    QCOMPARE(fileattributes::fileSize(files.path(u"missing"_s)), std::nullopt);
+}
+
+QTEST_GUILESS_MAIN(TestFileCollection)
+#include "tst_filecollection.moc"

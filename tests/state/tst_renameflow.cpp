@@ -1,0 +1,371 @@
+#include "testfiles.h"
+
+#include "engine/filemover.h"
+#include "engine/systemfilemover.h"
+#include "state/appviewmodel.h"
+
+#include <QSignalSpy>
+#include <QTest>
+#include <QThread>
+
+#include <mutex>
+
+using namespace quillfern;
+using namespace Qt::StringLiterals;
+namespace fs = std::filesystem;
+
+namespace {
+
+QStringList names(const QList<FileItem> &items)
+{
+    QStringList result;
+    for (const FileItem &item : items)
+        result << item.originalName();
+    return result;
+}
+
+QStringList previewNames(const AppViewModel &vm)
+{
+    QStringList result;
+    for (const PreviewEntry &entry : vm.previews())
+        result << entry.preview;
+    return result;
+}
+
+RenameRule insertAtEnd(const QString &text)
+{
+    RenameRule rule(RuleType::Insert);
+    rule.insertPosition = InsertPosition::End;
+    rule.insertText = text;
+    return rule;
+}
+
+/// Moves for real and records the thread of each move.
+class RecordingMover final : public FileMover
+{
+public:
+    std::optional<MoveError> move(const fs::path &from, const fs::path &to) override
+    {
+        {
+            const std::lock_guard lock(m_mutex);
+            threads.append(QThread::currentThread());
+        }
+        return m_system.move(from, to);
+    }
+    bool isSameItem(const fs::path &first, const fs::path &second) override
+    {
+        return m_system.isSameItem(first, second);
+    }
+    bool exists(const fs::path &path) override { return m_system.exists(path); }
+
+    QList<QThread *> threads;
+
+private:
+    SystemFileMover m_system;
+    std::mutex m_mutex;
+};
+
+} // namespace
+
+class TestRenameFlow final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void addRuleAppendsAndRefreshesPreviews();
+    void removeRuleAtOffsets();
+    void moveRuleExamples_data();
+    void moveRuleExamples();
+    void updateRuleReplacesByIdOrDoesNothing();
+    void disabledRuleHasNoEffect();
+    void previewsFollowFilterAndSort();
+    void renameRunsOnAWorkerAndFinishesOnTheMainThread();
+    void secondRenameWhileRunningIsDropped();
+    void renameWithNothingSelected();
+    void hiddenSelectedItemIsRenamed();
+    void renamedItemsAreFreshAndFailedOnesKeepTheirIds();
+    void onlyTheFirstOfTwoItemsWithOneUrlIsReplaced();
+    void undoRestoresTheListAndLeavesTheDisk();
+    void newRenameAfterUndoEmptiesRedo();
+    void undoAndRedoOnEmptyStacksDoNothing();
+};
+
+void TestRenameFlow::addRuleAppendsAndRefreshesPreviews()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s)});
+    QSignalSpy rulesSpy(&vm, &AppViewModel::rulesChanged);
+    QSignalSpy previewsSpy(&vm, &AppViewModel::previewsChanged);
+    vm.addRule(insertAtEnd(u"1"_s));
+    vm.addRule(insertAtEnd(u"2"_s));
+    QCOMPARE(vm.rules().size(), 2);
+    QCOMPARE(vm.rules().last().insertText, u"2"_s);
+    QCOMPARE(previewNames(vm), QStringList{u"a12.txt"_s});
+    QCOMPARE(rulesSpy.count(), 2);
+    QCOMPARE(previewsSpy.count(), 2);
+}
+
+void TestRenameFlow::removeRuleAtOffsets()
+{
+    AppViewModel vm;
+    for (const QString &text : {u"A"_s, u"B"_s, u"C"_s, u"D"_s})
+        vm.addRule(insertAtEnd(text));
+    vm.removeRule({0, 2});
+    QCOMPARE(vm.rules().size(), 2);
+    QCOMPARE(vm.rules()[0].insertText, u"B"_s);
+    QCOMPARE(vm.rules()[1].insertText, u"D"_s);
+}
+
+void TestRenameFlow::moveRuleExamples_data()
+{
+    QTest::addColumn<QList<qsizetype>>("offsets");
+    QTest::addColumn<qsizetype>("destination");
+    QTest::addColumn<QString>("order");
+    QTest::newRow("first to before the last") << QList<qsizetype>{0} << qsizetype(3) << u"BCAD"_s;
+    QTest::newRow("last to the front") << QList<qsizetype>{3} << qsizetype(0) << u"DABC"_s;
+    QTest::newRow("onto itself") << QList<qsizetype>{1} << qsizetype(1) << u"ABCD"_s;
+    QTest::newRow("just after itself") << QList<qsizetype>{1} << qsizetype(2) << u"ABCD"_s;
+    QTest::newRow("to the end") << QList<qsizetype>{0} << qsizetype(4) << u"BCDA"_s;
+    QTest::newRow("two keep their order") << QList<qsizetype>{2, 0} << qsizetype(4) << u"BDAC"_s;
+}
+
+void TestRenameFlow::moveRuleExamples()
+{
+    QFETCH(QList<qsizetype>, offsets);
+    QFETCH(qsizetype, destination);
+    QFETCH(QString, order);
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"x"_s)});
+    for (const QString &text : {u"A"_s, u"B"_s, u"C"_s, u"D"_s})
+        vm.addRule(insertAtEnd(text));
+    vm.moveRule(QSet<qsizetype>(offsets.cbegin(), offsets.cend()), destination);
+    QString actual;
+    for (const RenameRule &rule : vm.rules())
+        actual += rule.insertText;
+    QCOMPARE(actual, order);
+    QCOMPARE(previewNames(vm), QStringList{u"x"_s + order});
+}
+
+void TestRenameFlow::updateRuleReplacesByIdOrDoesNothing()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s)});
+    vm.addRule(insertAtEnd(u"1"_s));
+    RenameRule edited = vm.rules().first();
+    edited.insertText = u"-edited"_s;
+    vm.updateRule(edited);
+    QCOMPARE(previewNames(vm), QStringList{u"a-edited.txt"_s});
+
+    QSignalSpy rulesSpy(&vm, &AppViewModel::rulesChanged);
+    QSignalSpy previewsSpy(&vm, &AppViewModel::previewsChanged);
+    vm.updateRule(insertAtEnd(u"unknown"_s));
+    QCOMPARE(rulesSpy.count(), 0);
+    QCOMPARE(previewsSpy.count(), 0);
+    QCOMPARE(vm.rules().size(), 1);
+}
+
+void TestRenameFlow::disabledRuleHasNoEffect()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s)});
+    RenameRule rule = insertAtEnd(u"X"_s);
+    rule.isEnabled = false;
+    vm.addRule(rule);
+    QCOMPARE(previewNames(vm), QStringList{u"a.txt"_s});
+    vm.performRename();
+    QTRY_VERIFY(!vm.isRenaming());
+    QVERIFY(vm.lastRenameResults().isEmpty());
+    QVERIFY(files.exists(u"a.txt"_s));
+}
+
+void TestRenameFlow::previewsFollowFilterAndSort()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"b.txt"_s), files.file(u"a.txt"_s), files.file(u"c.jpg"_s)});
+    vm.setFilterText(u"txt"_s);
+    vm.updatePreviews();
+    QCOMPARE(previewNames(vm), (QStringList{u"a.txt"_s, u"b.txt"_s}));
+}
+
+void TestRenameFlow::renameRunsOnAWorkerAndFinishesOnTheMainThread()
+{
+    TestFiles files;
+    auto mover = std::make_shared<RecordingMover>();
+    AppViewModel vm;
+    vm.setFileMover(mover);
+    vm.addFiles({files.file(u"a.txt"_s), files.file(u"b.txt"_s)});
+    vm.addRule(insertAtEnd(u"_new"_s));
+    QThread *completionThread = nullptr;
+    connect(&vm, &AppViewModel::showRenameResultChanged, this, [&] { completionThread = QThread::currentThread(); });
+    QSignalSpy renamingSpy(&vm, &AppViewModel::isRenamingChanged);
+
+    vm.performRename();
+    QVERIFY(vm.isRenaming());
+    QCOMPARE(vm.undoStack().size(), 1);
+    QTRY_VERIFY(vm.showRenameResult());
+    QVERIFY(!vm.isRenaming());
+    QCOMPARE(renamingSpy.count(), 2);
+    QCOMPARE(mover->threads.size(), 2);
+    QVERIFY(mover->threads.first() != QThread::currentThread());
+    QCOMPARE(completionThread, QThread::currentThread());
+    QCOMPARE(vm.lastRenameResults().size(), 2);
+    QVERIFY(files.exists(u"a_new.txt"_s));
+    QVERIFY(files.exists(u"b_new.txt"_s));
+    QCOMPARE(names(vm.files()), (QStringList{u"a_new.txt"_s, u"b_new.txt"_s}));
+    QCOMPARE(previewNames(vm), (QStringList{u"a_new_new.txt"_s, u"b_new_new.txt"_s}));
+}
+
+void TestRenameFlow::secondRenameWhileRunningIsDropped()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s)});
+    vm.addRule(insertAtEnd(u"_1"_s));
+    vm.performRename();
+    vm.performRename();
+    QCOMPARE(vm.undoStack().size(), 1);
+    QTRY_VERIFY(!vm.isRenaming());
+    QVERIFY(files.exists(u"a_1.txt"_s));
+    QVERIFY(!files.exists(u"a_1_1.txt"_s));
+    QCOMPARE(vm.undoStack().size(), 1);
+}
+
+void TestRenameFlow::renameWithNothingSelected()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s)});
+    vm.addRule(insertAtEnd(u"_1"_s));
+    vm.performRename();
+    QTRY_VERIFY(!vm.isRenaming());
+    vm.undoRename();
+    QCOMPARE(vm.redoStack().size(), 1);
+    vm.deselectAll();
+    vm.setShowRenameResult(false);
+    vm.performRename();
+    QTRY_VERIFY(vm.showRenameResult());
+    QVERIFY(vm.lastRenameResults().isEmpty());
+    QCOMPARE(vm.undoStack().size(), 1);
+    QVERIFY(vm.redoStack().isEmpty());
+}
+
+void TestRenameFlow::hiddenSelectedItemIsRenamed()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s), files.file(u"b.jpg"_s)});
+    vm.addRule(insertAtEnd(u"_1"_s));
+    vm.setFilterText(u"txt"_s);
+    vm.updatePreviews();
+    QCOMPARE(vm.previews().size(), 1);
+    vm.performRename();
+    QTRY_VERIFY(!vm.isRenaming());
+    QVERIFY(files.exists(u"b_1.jpg"_s));
+    QVERIFY(files.exists(u"a_1.txt"_s));
+}
+
+void TestRenameFlow::renamedItemsAreFreshAndFailedOnesKeepTheirIds()
+{
+    TestFiles files;
+    files.file(u"b_1.txt"_s, "keep me");
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s), files.file(u"b.txt"_s)});
+    vm.addRule(insertAtEnd(u"_1"_s));
+    const QUuid oldA = vm.files()[0].id;
+    const QUuid oldB = vm.files()[1].id;
+    vm.performRename();
+    QTRY_VERIFY(!vm.isRenaming());
+    QCOMPARE(vm.lastRenameResults().size(), 2);
+    QVERIFY(vm.lastRenameResults()[0].success);
+    QVERIFY(!vm.lastRenameResults()[1].success);
+    QVERIFY(vm.files()[0].id != oldA);
+    QVERIFY(vm.files()[0].isSelected);
+    QCOMPARE(vm.files()[0].previewName, u"a_1.txt"_s);
+    QCOMPARE(vm.files()[1].id, oldB);
+    QCOMPARE(vm.files()[1].originalName(), u"b.txt"_s);
+    QFile kept(QString::fromStdString(files.path(u"b_1.txt"_s).string()));
+    QVERIFY(kept.open(QIODevice::ReadOnly));
+    QCOMPARE(kept.readAll(), QByteArray("keep me"));
+}
+
+void TestRenameFlow::onlyTheFirstOfTwoItemsWithOneUrlIsReplaced()
+{
+    TestFiles files;
+    const fs::path a = files.file(u"a.txt"_s);
+    AppViewModel vm;
+    vm.addFiles({a, a});
+    vm.setFileSelected(vm.files()[1].id, false);
+    vm.addRule(insertAtEnd(u"_1"_s));
+    const QUuid second = vm.files()[1].id;
+    vm.performRename();
+    QTRY_VERIFY(!vm.isRenaming());
+    QCOMPARE(names(vm.files()), (QStringList{u"a_1.txt"_s, u"a.txt"_s}));
+    QCOMPARE(vm.files()[1].id, second);
+}
+
+void TestRenameFlow::undoRestoresTheListAndLeavesTheDisk()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s), files.file(u"b.txt"_s)});
+    vm.setFileSelected(vm.files()[1].id, false);
+    vm.addRule(insertAtEnd(u"_1"_s));
+    const QList<FileItem> before = vm.files();
+    vm.performRename();
+    QTRY_VERIFY(!vm.isRenaming());
+
+    QSignalSpy filesSpy(&vm, &AppViewModel::filesChanged);
+    vm.undoRename();
+    QCOMPARE(filesSpy.count(), 1);
+    QCOMPARE(vm.files().size(), before.size());
+    for (qsizetype i = 0; i < before.size(); ++i) {
+        QCOMPARE(vm.files()[i].id, before[i].id);
+        QCOMPARE(vm.files()[i].url, before[i].url);
+        QCOMPARE(vm.files()[i].isSelected, before[i].isSelected);
+    }
+    QVERIFY(files.exists(u"a_1.txt"_s));
+    QVERIFY(!files.exists(u"a.txt"_s));
+    QVERIFY(vm.undoStack().isEmpty());
+    QCOMPARE(vm.redoStack().size(), 1);
+
+    vm.redoRename();
+    QCOMPARE(names(vm.files()), (QStringList{u"a_1.txt"_s, u"b.txt"_s}));
+    QCOMPARE(vm.undoStack().size(), 1);
+    QVERIFY(vm.redoStack().isEmpty());
+}
+
+void TestRenameFlow::newRenameAfterUndoEmptiesRedo()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s)});
+    vm.addRule(insertAtEnd(u"_1"_s));
+    vm.performRename();
+    QTRY_VERIFY(!vm.isRenaming());
+    vm.undoRename();
+    QCOMPARE(vm.redoStack().size(), 1);
+    vm.performRename();
+    QVERIFY(vm.redoStack().isEmpty());
+    QTRY_VERIFY(!vm.isRenaming());
+}
+
+void TestRenameFlow::undoAndRedoOnEmptyStacksDoNothing()
+{
+    TestFiles files;
+    AppViewModel vm;
+    vm.addFiles({files.file(u"a.txt"_s)});
+    QSignalSpy filesSpy(&vm, &AppViewModel::filesChanged);
+    QSignalSpy previewsSpy(&vm, &AppViewModel::previewsChanged);
+    vm.undoRename();
+    vm.redoRename();
+    QCOMPARE(filesSpy.count(), 0);
+    QCOMPARE(previewsSpy.count(), 0);
+}
+
+QTEST_GUILESS_MAIN(TestRenameFlow)
+#include "tst_renameflow.moc"
