@@ -67,7 +67,7 @@ QString quoted(const QString &text)
 QList<ParsedRule> NaturalLanguageParser::parse(const QString &input)
 {
     // Lower-casing can change the length of the text, so trimming comes second.
-    const QString lowered = lowerCased(input);
+    const QString lowered = lowerCased(input).trimmed();
     const std::optional<ParsedRule> candidates[] = {
         parseReplace(input),
         parseInsert(lowered),
@@ -191,8 +191,8 @@ std::optional<ParsedRule> NaturalLanguageParser::parseRemove(const QString &lowe
     static const CompiledPattern removePattern(uR"re(remove\s+"?([^"]+?)"?\s*$)re");
     if (const std::optional<QStringList> captures = removePattern.firstMatch(lowered, 1)) {
         const QString text = trimmedOfSpacesAndTabs(captures->at(1));
-        // "remove first few characters" has a count that is not a number: suggesting the removal of that text
-        // would be wrong, so nothing is suggested.
+        // Text starting with "first" or "last" is a count that is not a number ("remove first few characters");
+        // removing that text literally is surely not what was meant, so nothing is suggested.
         if (text.startsWith(u"first"_s) || text.startsWith(u"last"_s))
             return std::nullopt;
         return textRemoval(text, u"Remove"_s);

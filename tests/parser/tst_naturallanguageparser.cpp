@@ -296,6 +296,13 @@ void TestNaturalLanguageParser::insertCommands_data()
         << insert(insertRule(u"i\u0307zmi\u0307r"_s, InsertPosition::Beginning),
                0.9,
                u"Prefix with \"i\u0307zmi\u0307r\""_s);
+    QTest::newRow("Greek capital sigma at the end of a word lowers to final sigma")
+        << u"APPEND \u039F\u0394\u039F\u03A3"_s
+        << insert(insertRule(u"\u03BF\u03B4\u03BF\u03C2"_s, InsertPosition::End),
+               0.85,
+               u"Append \"\u03BF\u03B4\u03BF\u03C2\""_s);
+    QTest::newRow("prefix followed by blanks only is not understood") << u"prefix   "_s << QStringList();
+    QTest::newRow("append followed by blanks and newlines only is not understood") << u"append  \n "_s << QStringList();
     QTest::newRow("emoji are kept") << u"append \U0001F389 Party"_s
                                     << insert(insertRule(u"\U0001F389 party"_s, InsertPosition::End),
                                            0.85,
@@ -338,6 +345,7 @@ void TestNaturalLanguageParser::removeCommands_data()
     QTest::newRow("delete quoted text") << u"delete \"draft\""_s << removeText(u"draft"_s, u"Delete \"draft\""_s);
     QTest::newRow("delete non-ASCII text")
         << u"DELETE \u00C4\u00D6"_s << removeText(u"\u00E4\u00F6"_s, u"Delete \"\u00E4\u00F6\""_s);
+    QTest::newRow("remove followed by blanks only is not understood") << u"remove  \t "_s << QStringList();
     QTest::newRow("remove first without a number gives nothing") << u"remove first few"_s << QStringList();
     QTest::newRow("remove last without a number gives nothing") << u"remove last bits"_s << QStringList();
     QTest::newRow("delete is not stopped by first")
@@ -490,8 +498,10 @@ void TestNaturalLanguageParser::parsesAlikeOnSeveralThreads()
         expected.append(dump(NaturalLanguageParser::parse(command)));
 
     std::atomic<int> mismatches = 0;
+    constexpr int threadCount = 4;
     std::vector<std::thread> threads;
-    for (int thread = 0; thread < 4; ++thread) {
+    threads.reserve(threadCount);
+    for (int thread = 0; thread < threadCount; ++thread) {
         threads.emplace_back([&] {
             for (int round = 0; round < 200; ++round) {
                 for (qsizetype index = 0; index < commands.size(); ++index) {

@@ -7,6 +7,8 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <unicode/locid.h>
+
 #include <fstream>
 
 using namespace quillfern;
@@ -35,6 +37,7 @@ class TestFileCollection final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase();
     void startsEmptyWithItsDefaults();
     void folderIsOneItemWithoutSubfolders();
     void folderIsExpandedWithSubfolders();
@@ -59,6 +62,14 @@ private Q_SLOTS:
     void sortOrderRawValues();
     void directoriesHaveNoSize();
 };
+
+void TestFileCollection::initTestCase()
+{
+    // Collation is the user's locale's; the expectations below are those of English.
+    UErrorCode status = U_ZERO_ERROR;
+    icu::Locale::setDefault(icu::Locale("en_US"), status);
+    QVERIFY(U_SUCCESS(status));
+}
 
 void TestFileCollection::startsEmptyWithItsDefaults()
 {

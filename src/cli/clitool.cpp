@@ -1,0 +1,359 @@
+#include "cli/clitool.h"
+
+#include "cli/previewprinter.h"
+#include "engine/renameengine.h"
+#include "parser/naturallanguageparser.h"
+#include "presets/presetmanager.h"
+#include "state/appviewmodel.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <cstdio>
+
+#ifdef Q_OS_WIN
+#include <io.h>
+#define QUILLFERN_ISATTY _isatty
+#define QUILLFERN_FILENO _fileno
+#else
+#include <unistd.h>
+#define QUILLFERN_ISATTY isatty
+#define QUILLFERN_FILENO fileno
+#endif
+
+namespace quillfern {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+bool isTerminal(FILE *stream)
+{
+    return QUILLFERN_ISATTY(QUILLFERN_FILENO(stream)) != 0;
+}
+
+AppViewModel::SortOrder sortOrderNamed(const QString &name)
+{
+    if (name == u"date"_s)
+        return AppViewModel::SortOrder::Date;
+    if (name == u"size"_s)
+        return AppViewModel::SortOrder::Size;
+    if (name == u"type"_s)
+        return AppViewModel::SortOrder::Type;
+    return AppViewModel::SortOrder::Name;
+}
+
+QJsonArray rulesJson(const QList<RenameRule> &rules)
+{
+    QJsonArray array;
+    for (const RenameRule &rule : rules)
+        array.append(rule.toJson());
+    return array;
+}
+
+const Preset *presetNamed(const PresetManager &manager, const QString &name)
+{
+    const QList<Preset> &presets = manager.presets();
+    const auto found = std::find_if(presets.cbegin(), presets.cend(), [&](const Preset &preset) {
+        return preset.name == name;
+    });
+    return found == presets.cend() ? nullptr : &*found;
+}
+
+} // namespace
+
+CliTool::CliTool(CliOptions options)
+    : m_options(std::move(options))
+    , m_out(stdout)
+    , m_err(stderr)
+{
+}
+
+int CliTool::run()
+{
+    if (m_options.showVersion) {
+        m_out << "quillfern-cli " << QCoreApplication::applicationVersion() << '\n';
+        return Success;
+    }
+    if (m_options.showHelp || m_options.command == CliOptions::Command::None) {
+        m_out << helpText(m_options.command);
+        return m_options.showHelp ? Success : BadInput;
+    }
+    switch (m_options.command) {
+    case CliOptions::Command::Preview:
+        return runPreview();
+    case CliOptions::Command::Rename:
+        return runRename();
+    case CliOptions::Command::Parse:
+        return runParse();
+    case CliOptions::Command::Presets:
+        return runPresets();
+    case CliOptions::Command::None:
+        break;
+    }
+    return BadInput;
+}
+
+int CliTool::fail(const QString &message)
+{
+    m_err << "quillfern-cli: " << message << '\n';
+    return BadInput;
+}
+
+std::optional<QList<RenameRule>> CliTool::readRulesFile(const QString &fileName)
+{
+    QFile file(fileName);
+    const bool isOpen = fileName == u"-"_s ? file.open(stdin, QIODevice::ReadOnly) : file.open(QIODevice::ReadOnly);
+    const QString label = fileName == u"-"_s ? u"standard input"_s : fileName;
+    if (!isOpen) {
+        fail(u"cannot read rules file %1: %2"_s.arg(label, file.errorString()));
+        return std::nullopt;
+    }
+    QJsonParseError parseError{};
+    const QJsonDocument document = QJsonDocument::fromJson(file.readAll(), &parseError);
+    if (parseError.error != QJsonParseError::NoError) {
+        fail(u"%1: not valid JSON: %2 at offset %3"_s.arg(label, parseError.errorString()).arg(parseError.offset));
+        return std::nullopt;
+    }
+    if (!document.isArray()) {
+        fail(u"%1: expected a JSON array of rules"_s.arg(label));
+        return std::nullopt;
+    }
+    QList<RenameRule> rules;
+    const QJsonArray array = document.array();
+    for (qsizetype index = 0; index < array.size(); ++index) {
+        auto decoded = RenameRule::fromJson(array[index]);
+        if (!decoded.isSuccess()) {
+            fail(u"%1: rule %2: %3"_s.arg(label).arg(index + 1).arg(decoded.error()));
+            return std::nullopt;
+        }
+        rules.append(std::move(decoded).value());
+    }
+    return rules;
+}
+
+std::optional<QList<RenameRule>> CliTool::collectRules()
+{
+    QList<RenameRule> rules;
+    std::unique_ptr<PresetManager> presets;
+    for (const RuleSource &source : std::as_const(m_options.ruleSources)) {
+        switch (source.kind) {
+        case RuleSource::Kind::RulesFile: {
+            const auto fromFile = readRulesFile(source.value);
+            if (!fromFile)
+                return std::nullopt;
+            rules += *fromFile;
+            break;
+        }
+        case RuleSource::Kind::Preset: {
+            if (!presets)
+                presets = std::make_unique<PresetManager>();
+            const Preset *preset = presetNamed(*presets, source.value);
+            if (!preset) {
+                fail(u"unknown preset '%1'"_s.arg(source.value));
+                return std::nullopt;
+            }
+            rules += preset->rules;
+            break;
+        }
+        case RuleSource::Kind::Command: {
+            const QList<ParsedRule> suggestions = NaturalLanguageParser::parse(source.value);
+            if (suggestions.isEmpty()) {
+                fail(u"could not understand the command '%1'"_s.arg(source.value));
+                return std::nullopt;
+            }
+            for (const ParsedRule &suggestion : suggestions)
+                rules.append(suggestion.rule);
+            break;
+        }
+        }
+    }
+    return rules;
+}
+
+bool CliTool::prepare(AppViewModel &vm)
+{
+    const auto rules = collectRules();
+    if (!rules)
+        return false;
+    vm.setIncludeSubfolders(m_options.recursive);
+    vm.setFilterText(m_options.filterText);
+    vm.setShowOnlyFiles(m_options.filesOnly);
+    vm.setShowOnlyFolders(m_options.foldersOnly);
+    vm.setSortOrder(sortOrderNamed(m_options.sort));
+    vm.addFiles(m_options.paths);
+    // Rules that would stop the engine are refused here, before any preview or rename runs them.
+    const QString violation = RenameEngine::preconditionViolation(*rules, vm.files().size());
+    if (!violation.isEmpty()) {
+        fail(violation);
+        return false;
+    }
+    // Loading all rules at once computes the preview once, not once per rule.
+    vm.loadPreset(Preset(u"command line"_s, *rules));
+    return true;
+}
+
+int CliTool::runPreview()
+{
+    AppViewModel vm;
+    if (!prepare(vm))
+        return BadInput;
+    switch (m_options.format) {
+    case CliOptions::Format::Csv:
+        m_out << vm.exportCSV();
+        break;
+    case CliOptions::Format::Json:
+        m_out << PreviewPrinter::json(vm.previews(), vm.filteredFiles());
+        break;
+    case CliOptions::Format::Table:
+        m_out << PreviewPrinter::table(vm.previews(), isTerminal(stdout));
+        break;
+    }
+    return Success;
+}
+
+bool CliTool::confirm(qsizetype count)
+{
+    m_out << "Rename " << counted(count, u"file"_s) << "? [y/N] " << Qt::flush;
+    QTextStream in(stdin);
+    const QString answer = in.readLine().trimmed().toLower();
+    return answer == u"y"_s || answer == u"yes"_s;
+}
+
+int CliTool::runRename()
+{
+    AppViewModel vm;
+    if (!prepare(vm))
+        return BadInput;
+    // What the preview shows, in its order, is what is renamed: the filtered, sorted list with its numbering.
+    const QList<FileItem> files = vm.filteredFiles();
+    const auto changes = std::count_if(vm.previews().cbegin(), vm.previews().cend(), [](const PreviewEntry &entry) {
+        return entry.original != entry.preview;
+    });
+    if (changes > 0 && !m_options.assumeYes) {
+        if (!isTerminal(stdin))
+            return fail(u"refusing to rename without confirmation: pass --yes when not on a terminal"_s);
+        m_out << PreviewPrinter::table(vm.previews(), isTerminal(stdout));
+        if (!confirm(changes)) {
+            m_out << "Nothing renamed.\n";
+            return Success;
+        }
+    }
+    const QList<RenameResult> results = RenameEngine::rename(files, vm.rules());
+    if (m_options.json) {
+        m_out << PreviewPrinter::resultJson(results);
+        m_err << PreviewPrinter::resultSummary(results) << '\n';
+    } else {
+        m_out << PreviewPrinter::resultLines(results) << PreviewPrinter::resultSummary(results) << '\n';
+    }
+    const bool anyFailed = std::any_of(results.cbegin(), results.cend(), [](const RenameResult &result) {
+        return !result.success;
+    });
+    return anyFailed ? RenameFailed : Success;
+}
+
+int CliTool::runParse()
+{
+    if (m_options.words.isEmpty())
+        return fail(u"parse needs a command, for example: quillfern-cli parse \"replace a with b\""_s);
+    QJsonArray array;
+    for (const ParsedRule &suggestion : NaturalLanguageParser::parse(m_options.words.join(u' '))) {
+        array.append(QJsonObject{{u"rule"_s, suggestion.rule.toJson()},
+                                 {u"confidence"_s, suggestion.confidence},
+                                 {u"description"_s, suggestion.description}});
+    }
+    m_out << QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Indented));
+    return Success;
+}
+
+int CliTool::runPresets()
+{
+    const QStringList &words = m_options.words;
+    const QString action = words.value(0, u"list"_s);
+    PresetManager manager;
+    if (action == u"list"_s && words.size() <= 1) {
+        for (const Preset &preset : manager.presets())
+            m_out << preset.name << '\t' << counted(preset.rules.size(), u"rule"_s) << '\n';
+        return Success;
+    }
+    if (words.size() != 2)
+        return fail(u"usage: quillfern-cli presets [list | show NAME | save NAME --rules FILE | delete NAME]"_s);
+    const QString &name = words[1];
+    const Preset *existing = presetNamed(manager, name);
+    if (action == u"show"_s) {
+        if (!existing)
+            return fail(u"unknown preset '%1'"_s.arg(name));
+        m_out << QString::fromUtf8(QJsonDocument(rulesJson(existing->rules)).toJson(QJsonDocument::Indented));
+        return Success;
+    }
+    if (action == u"delete"_s) {
+        if (!existing)
+            return fail(u"unknown preset '%1'"_s.arg(name));
+        manager.deletePreset(*existing);
+        return Success;
+    }
+    if (action == u"save"_s) {
+        if (m_options.ruleSources.isEmpty())
+            return fail(u"presets save needs the rules, for example --rules FILE"_s);
+        const auto rules = collectRules();
+        if (!rules)
+            return BadInput;
+        // Saving under an existing name replaces that preset's rules and keeps its place and id.
+        Preset preset = existing ? *existing : Preset(name, {});
+        preset.rules = *rules;
+        manager.save(preset);
+        return Success;
+    }
+    return fail(u"unknown presets action '%1'"_s.arg(action));
+}
+
+QString CliTool::helpText(CliOptions::Command command)
+{
+    switch (command) {
+    case CliOptions::Command::Preview:
+        return u"Usage: quillfern-cli preview [RULES] [SELECTION] [--format table|csv|json] PATH...\n\n"
+               "Prints the new name of every file without renaming anything.\n"
+               "  --format table   old and new names side by side, with a summary (default)\n"
+               "  --format csv     the preview as CSV, as the window exports it\n"
+               "  --format json    an array of {original, preview, hasConflict, path}\n"_s;
+    case CliOptions::Command::Rename:
+        return u"Usage: quillfern-cli rename [RULES] [SELECTION] [--yes] [--json] PATH...\n\n"
+               "Renames exactly what preview shows, in its order. Asks for confirmation on a terminal;\n"
+               "without a terminal it refuses unless --yes is given. Never replaces an existing file.\n"
+               "  --yes            rename without asking\n"
+               "  --json           print the results as an array of {originalPath, newPath, success, error}\n"_s;
+    case CliOptions::Command::Parse:
+        return u"Usage: quillfern-cli parse COMMAND...\n\n"
+               "Prints the rules suggested for an English command as a JSON array of\n"
+               "{rule, confidence, description}, for example: quillfern-cli parse remove first 3 characters\n"_s;
+    case CliOptions::Command::Presets:
+        return u"Usage: quillfern-cli presets [list | show NAME | save NAME --rules FILE | delete NAME]\n\n"
+               "Lists, shows (as a rules file), saves or deletes the presets the window uses.\n"_s;
+    case CliOptions::Command::None:
+        break;
+    }
+    return u"Usage: quillfern-cli COMMAND [OPTIONS] [PATH...]\n\n"
+           "Renames many files at once with the same engine as the Quillfern window.\n\n"
+           "Commands:\n"
+           "  preview    show the new names\n"
+           "  rename     rename the files on disk\n"
+           "  parse      turn an English command into rules\n"
+           "  presets    list, show, save or delete presets\n\n"
+           "Rules (repeatable, combined in the order given):\n"
+           "  --rules FILE       a JSON array of rules ('-' reads standard input)\n"
+           "  --preset NAME      the rules of a saved preset\n"
+           "  --do \"COMMAND\"     the rules suggested for an English command\n\n"
+           "Selection:\n"
+           "  --recursive        add the contents of folders, subfolders included\n"
+           "  --filter TEXT      only names containing TEXT (ignoring case)\n"
+           "  --files-only       only files\n"
+           "  --folders-only     only folders\n"
+           "  --sort name|date|size|type\n\n"
+           "  --help             this text; COMMAND --help for a command\n"
+           "  --version          the version\n\n"
+           "Exit status: 0 success, 1 when a rename failed, 2 for bad usage or input.\n"_s;
+}
+
+} // namespace quillfern
