@@ -86,7 +86,7 @@ bool PresetManager::load()
     const QByteArray bytes = file.readAll();
     DecodeResult<QList<Preset>> decoded = presetfile::decode(bytes);
     if (!decoded.isSuccess())
-        return true;
+        return keepBackup(bytes);
     m_presets = std::move(decoded).value();
     return true;
 }
