@@ -1,5 +1,4 @@
 #include "engine/graphemes_p.h"
-
 #include "model/icutext_p.h"
 
 #include <algorithm>

@@ -24,8 +24,26 @@ bool isForbidden(QChar character)
 QString describe(QChar character)
 {
     if (character.unicode() < 0x20)
-        return u"the control character U+%1"_s.arg(character.unicode(), 4, 16, u'0');
+        return u"the control character U+%1"_s.arg(uint(character.unicode()), 4, 16, QChar(u'0'));
     return u"“%1”"_s.arg(character);
+}
+
+/// The length of the text in UTF-8, without encoding it (the encoder itself decides about a lone surrogate).
+qsizetype utf8Length(QStringView text)
+{
+    qsizetype bytes = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar unit = text[i];
+        if (unit.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
+            bytes += 4;
+            ++i;
+        } else if (unit.isSurrogate()) {
+            return text.toUtf8().size();
+        } else {
+            bytes += unit.unicode() < 0x80 ? 1 : unit.unicode() < 0x800 ? 2 : 3;
+        }
+    }
+    return bytes;
 }
 
 } // namespace
@@ -40,7 +58,7 @@ QString whyInvalid(const QString &name)
         if (isForbidden(character))
             return u"The new name contains %1, which a file name cannot contain."_s.arg(describe(character));
     }
-    const qsizetype bytes = name.toUtf8().size();
+    const qsizetype bytes = utf8Length(name);
     if (bytes > maximumNameBytes)
         return u"The new name is %1 bytes long; a file name can have at most %2."_s.arg(bytes).arg(maximumNameBytes);
     return {};

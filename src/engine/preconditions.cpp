@@ -14,7 +14,8 @@ QString removeViolation(const RenameRule &rule)
     case RemoveTarget::LastN:
         if (rule.removeCount < 0) {
             return u"Fatal error: the remove rule “%1” has a negative character count (%2)."_s.arg(
-                rawValue(rule.removeTarget), QString::number(rule.removeCount));
+                rawValue(rule.removeTarget),
+                QString::number(rule.removeCount));
         }
         return {};
     case RemoveTarget::FromTo:
@@ -22,7 +23,8 @@ QString removeViolation(const RenameRule &rule)
         // clamped end exactly when it lies below the unclamped one: the outcome does not depend on the text.
         if (rule.removeFromIndex < 0 && rule.removeFromIndex < rule.removeToIndex) {
             return u"Fatal error: the remove rule “%1” starts at a negative position (%2)."_s.arg(
-                rawValue(rule.removeTarget), QString::number(rule.removeFromIndex));
+                rawValue(rule.removeTarget),
+                QString::number(rule.removeFromIndex));
         }
         return {};
     case RemoveTarget::Text:
@@ -46,8 +48,8 @@ QString numberingOverflow(const RenameRule &rule, qint64 index)
 {
     return u"Fatal error: sequential numbering overflows a signed 64-bit integer at file index %1 "
            u"(start %2, step %3)."_s.arg(QString::number(index),
-                                          QString::number(rule.numberingStart),
-                                          QString::number(rule.numberingStep));
+               QString::number(rule.numberingStart),
+               QString::number(rule.numberingStep));
 }
 
 namespace {

@@ -6,7 +6,6 @@
 #include "engine/systemfilemover.h"
 #include "model/nativepath.h"
 
-#include <QSet>
 #include <QThread>
 #include <QUuid>
 #include <QtConcurrent/QtConcurrentMap>
@@ -24,42 +23,75 @@ namespace {
 
 /// Below this many files a second thread costs more than it saves.
 constexpr qsizetype minimumFilesPerThread = 2000;
+/// Several chunks per thread keep every core busy when one thread is held up.
+constexpr qsizetype chunksPerThread = 4;
 
-/// The new name and its clash key of one file.
+/// The current name, new name and clash key of one file.
 struct NamedFile
 {
+    QString original;
     QString newName;
     QString conflictKey;
+    /// Hashed on the worker thread, so the serial clash pass only compares.
+    size_t conflictHash = 0;
 };
+
+/// An open-addressing set of clash keys, so that the serial clash pass allocates nothing per file.
+using KeySlots = std::vector<const NamedFile *>;
+
+KeySlots emptyKeySlots(size_t count)
+{
+    size_t capacity = 16;
+    while (capacity < 2 * count)
+        capacity *= 2;
+    return KeySlots(capacity, nullptr);
+}
+
+/// Whether an earlier file has the file's clash key; adds the key when not.
+bool isRepeated(KeySlots &slots, const NamedFile &file)
+{
+    const size_t mask = slots.size() - 1;
+    for (size_t slot = file.conflictHash & mask;; slot = (slot + 1) & mask) {
+        if (!slots[slot]) {
+            slots[slot] = &file;
+            return false;
+        }
+        if (slots[slot]->conflictHash == file.conflictHash && slots[slot]->conflictKey == file.conflictKey)
+            return true;
+    }
+}
 
 /// Names the files [begin, end) with a pipeline of its own, since ICU matchers and iterators are not
 /// thread-safe.
 void nameRange(const QList<RenameRule> &rules,
-               const QList<FileItem> &files,
-               std::vector<NamedFile> &named,
-               qsizetype begin,
-               qsizetype end)
+    const QList<FileItem> &files,
+    std::vector<NamedFile> &named,
+    qsizetype begin,
+    qsizetype end)
 {
     RulePipeline pipeline(rules);
     for (qsizetype i = begin; i < end; ++i) {
-        named[size_t(i)].newName = pipeline.newName(files[i], i);
-        named[size_t(i)].conflictKey = pipeline.conflictKey(named[size_t(i)].newName);
+        NamedFile &file = named[size_t(i)];
+        file.original = files[i].originalName();
+        file.newName = pipeline.newName(file.original, i);
+        file.conflictKey = pipeline.conflictKey(file.newName);
+        file.conflictHash = qHash(file.conflictKey);
     }
 }
 
 std::vector<NamedFile> nameAll(const QList<RenameRule> &rules, const QList<FileItem> &files)
 {
     std::vector<NamedFile> named(size_t(files.size()));
-    const qsizetype threads = std::clamp<qsizetype>(files.size() / minimumFilesPerThread,
-                                                    1,
-                                                    std::max(1, QThread::idealThreadCount()));
+    const qsizetype threads =
+        std::clamp<qsizetype>(files.size() / minimumFilesPerThread, 1, std::max(1, QThread::idealThreadCount()));
     if (threads == 1) {
         nameRange(rules, files, named, 0, files.size());
         return named;
     }
+    const qsizetype chunks = threads * chunksPerThread;
     QList<std::pair<qsizetype, qsizetype>> ranges;
-    for (qsizetype t = 0; t < threads; ++t)
-        ranges.append({files.size() * t / threads, files.size() * (t + 1) / threads});
+    for (qsizetype chunk = 0; chunk < chunks; ++chunk)
+        ranges.append({files.size() * chunk / chunks, files.size() * (chunk + 1) / chunks});
     QtConcurrent::blockingMap(ranges, [&](const std::pair<qsizetype, qsizetype> &range) {
         nameRange(rules, files, named, range.first, range.second);
     });
@@ -94,18 +126,19 @@ RenameResult renameThroughTemporary(const fs::path &from, const fs::path &to, Fi
         return RenameResult{from, to, true, std::nullopt};
     if (const auto restoreError = mover.move(temporary, from)) {
         return failure(from,
-                       to,
-                       u"%1 The item could not be moved back and is now named “%2”: %3"_s.arg(
-                           error->message, nativepath::toText(temporary.filename()), restoreError->message));
+            to,
+            u"%1; moving it back failed too (%2), so it is now named “%3”."_s.arg(error->message,
+                restoreError->message,
+                nativepath::toText(temporary.filename())));
     }
     return failure(from, to, error->message);
 }
 
-RenameResult renameOne(const fs::path &from, const fs::path &to, FileMover &mover)
+RenameResult renameOne(const fs::path &from, fs::path to, FileMover &mover)
 {
     const auto error = mover.move(from, to);
     if (!error)
-        return RenameResult{from, to, true, std::nullopt};
+        return RenameResult{from, std::move(to), true, std::nullopt};
     if (error->kind == MoveError::Kind::DestinationExists && mover.isSameItem(from, to))
         return renameThroughTemporary(from, to, mover);
     return failure(from, to, error->message);
@@ -113,10 +146,8 @@ RenameResult renameOne(const fs::path &from, const fs::path &to, FileMover &move
 
 } // namespace
 
-QString RenameEngine::applyRules(const QList<RenameRule> &rules,
-                                 const QString &name,
-                                 qint64 index,
-                                 const QString &extension)
+QString
+RenameEngine::applyRules(const QList<RenameRule> &rules, const QString &name, qint64 index, const QString &extension)
 {
     Q_UNUSED(extension);
     return RulePipeline(rules).applyRules(name, index);
@@ -132,14 +163,9 @@ QList<PreviewEntry> RenameEngine::preview(const QList<RenameRule> &rules, const 
     const std::vector<NamedFile> named = nameAll(rules, files);
     QList<PreviewEntry> entries;
     entries.reserve(files.size());
-    QSet<QString> seen;
-    seen.reserve(files.size());
-    for (qsizetype i = 0; i < files.size(); ++i) {
-        const NamedFile &file = named[size_t(i)];
-        const qsizetype sizeBefore = seen.size();
-        seen.insert(file.conflictKey);
-        entries.append(PreviewEntry{files[i].originalName(), file.newName, seen.size() == sizeBefore});
-    }
+    KeySlots seen = emptyKeySlots(named.size());
+    for (const NamedFile &file : named)
+        entries.append(PreviewEntry{file.original, file.newName, isRepeated(seen, file)});
     return entries;
 }
 
@@ -149,26 +175,27 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QLi
     return rename(files, rules, mover);
 }
 
-QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files,
-                                         const QList<RenameRule> &rules,
-                                         FileMover &mover)
+QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QList<RenameRule> &rules, FileMover &mover)
 {
     RulePipeline pipeline(rules);
     QList<RenameResult> results;
+    results.reserve(files.size());
     for (qsizetype i = 0; i < files.size(); ++i) {
         const FileItem &file = files[i];
         // An unselected file gets no result but keeps its position for the numbering of the files after it.
         if (!file.isSelected)
             continue;
-        const QString newName = pipeline.newName(file, i);
+        const QString original = file.originalName();
+        const QString newName = pipeline.newName(original, i);
         // Compared as text, so a name that is not valid UTF-8 and that no rule changed is left alone.
-        if (newName == file.originalName())
+        if (newName == original)
             continue;
-        const fs::path destination = file.parentURL() / nativepath::fromText(newName);
+        // The same as parentURL() / newName, without parsing the folder's path again.
+        fs::path destination = fs::path(file.url).replace_filename(nativepath::fromText(newName));
         if (const QString reason = newnamecheck::whyInvalid(newName); !reason.isEmpty())
             results.append(failure(file.url, destination, reason));
         else
-            results.append(renameOne(file.url, destination, mover));
+            results.append(renameOne(file.url, std::move(destination), mover));
     }
     return results;
 }

@@ -2,9 +2,8 @@
 
 #include "engine/preconditions_p.h"
 #include "engine/textcleanup_p.h"
+#include "model/fileitem.h"
 #include "model/icutext_p.h"
-
-#include <QRegularExpression>
 
 #include <unicode/calendar.h>
 
@@ -23,10 +22,15 @@ QString spliced(const QString &text, qsizetype start, qsizetype end, QStringView
     return QStringView(text).first(start) + replacement + QStringView(text).sliced(end);
 }
 
+/// Wider than any file name may be: a larger padding gives a name that is refused as too long all the same,
+/// so the zeros are capped here instead of allocating billions of them.
+constexpr qint64 widestPadding = 256;
+
 /// The number in decimal, zero-filled to at least `padding` characters with a minus sign counting toward the
-/// width, as C's "%0<padding>d" does.
+/// width, as C's "%0<padding>d" does (up to widestPadding).
 QString paddedDigits(qint64 number, qint64 padding)
 {
+    padding = std::min(padding, widestPadding);
     const QString digits = QString::number(number);
     if (padding < 1 || digits.size() >= padding)
         return digits;
@@ -57,6 +61,12 @@ std::unique_ptr<IcuMatcher> RulePipeline::caseInsensitiveSearch(const QString &l
     return std::make_unique<IcuMatcher>(literal, UREGEX_LITERAL | UREGEX_CASE_INSENSITIVE);
 }
 
+void RulePipeline::compilePattern(Step &step, uint32_t flags)
+{
+    step.pattern = std::make_unique<IcuMatcher>(step.rule->findText, flags);
+    step.replacement.emplace(step.rule->replaceText, step.pattern->groupCount());
+}
+
 RulePipeline::Step RulePipeline::compile(const RenameRule &rule)
 {
     Step step;
@@ -64,7 +74,7 @@ RulePipeline::Step RulePipeline::compile(const RenameRule &rule)
     switch (rule.type) {
     case RuleType::Replace:
         if (rule.useRegex)
-            step.pattern = std::make_unique<IcuMatcher>(rule.findText, rule.isCaseSensitive ? 0 : UREGEX_CASE_INSENSITIVE);
+            compilePattern(step, rule.isCaseSensitive ? 0 : UREGEX_CASE_INSENSITIVE);
         else if (!rule.isCaseSensitive && !rule.findText.isEmpty())
             step.search = caseInsensitiveSearch(rule.findText);
         break;
@@ -83,15 +93,15 @@ RulePipeline::Step RulePipeline::compile(const RenameRule &rule)
         break;
     case RuleType::DateStamp: {
         UErrorCode status = U_ZERO_ERROR;
-        auto format = std::make_unique<icu::SimpleDateFormat>(
-            icutext::alias(rule.dateFormat), icu::Locale::getDefault(), status);
+        auto format =
+            std::make_unique<icu::SimpleDateFormat>(icutext::alias(rule.dateFormat), icu::Locale::getDefault(), status);
         if (icutext::succeeded(status))
             step.dateFormat = std::move(format);
         break;
     }
     case RuleType::Regex:
         if (!rule.findText.isEmpty())
-            step.pattern = std::make_unique<IcuMatcher>(rule.findText, 0);
+            compilePattern(step, 0);
         break;
     case RuleType::CaseConversion:
     case RuleType::Numbering:
@@ -111,9 +121,8 @@ QString RulePipeline::applyRules(const QString &name, qint64 index)
     return current;
 }
 
-QString RulePipeline::newName(const FileItem &file, qint64 index)
+QString RulePipeline::newName(const QString &original, qint64 index)
 {
-    const QString original = file.originalName();
     const qsizetype dot = extensionDotIndex(original);
     const QString base = dot < 0 ? original : original.first(dot);
     const QString extension = m_extension.value_or(dot < 0 ? QString() : original.sliced(dot + 1));
@@ -159,9 +168,9 @@ QString RulePipeline::applyReplace(Step &step, const QString &text)
 {
     const RenameRule &rule = *step.rule;
     if (step.pattern)
-        return step.pattern->replaceAll(text, rule.replaceText, IcuMatcher::Replacement::Template).value_or(text);
+        return step.pattern->replaceAll(text, *step.replacement).value_or(text);
     if (step.search)
-        return step.search->replaceAll(text, rule.replaceText, IcuMatcher::Replacement::Literal).value_or(text);
+        return step.search->replaceAllLiterally(text, rule.replaceText).value_or(text);
     if (rule.findText.isEmpty())
         return text;
     return QString(text).replace(rule.findText, rule.replaceText, Qt::CaseSensitive);
@@ -186,8 +195,8 @@ QString RulePipeline::applyInsert(Step &step, const QString &text)
             return text;
         // The matched characters are written back in the anchor's own spelling.
         const QString replacement = rule.insertPosition == InsertPosition::BeforeText
-                                        ? rule.insertText + rule.insertAnchorText
-                                        : rule.insertAnchorText + rule.insertText;
+            ? rule.insertText + rule.insertAnchorText
+            : rule.insertAnchorText + rule.insertText;
         return spliced(text, match->start, match->end, replacement);
     }
     }
@@ -204,7 +213,7 @@ QString RulePipeline::applyRemove(Step &step, const QString &text)
     case RemoveTarget::Text:
         if (!step.search)
             return text;
-        return step.search->replaceAll(text, QString(), IcuMatcher::Replacement::Literal).value_or(text);
+        return step.search->replaceAllLiterally(text, QString()).value_or(text);
     case RemoveTarget::FirstN:
         return text.sliced(m_graphemes.offsetOf(text, rule.removeCount));
     case RemoveTarget::LastN: {
@@ -250,11 +259,17 @@ QString RulePipeline::applyCase(const RenameRule &rule, const QString &text)
     case CaseConversionType::TitleCase:
         return m_caseMapper.title(text);
     case CaseConversionType::CamelCase: {
-        static const QRegularExpression separators(u"[ _-]"_s);
-        const QStringList pieces = text.split(separators);
-        QString result = m_caseMapper.lower(pieces.first());
-        for (qsizetype i = 1; i < pieces.size(); ++i)
-            result += m_caseMapper.title(pieces[i]);
+        // Pieces between the separators " _-", empty ones included; the first is lower-cased, the rest
+        // title-cased, and the separators dropped.
+        QString result;
+        qsizetype pieceStart = 0;
+        for (qsizetype i = 0; i <= text.size(); ++i) {
+            if (i < text.size() && !QStringView(u" _-").contains(text[i]))
+                continue;
+            const QString piece = text.sliced(pieceStart, i - pieceStart);
+            result += pieceStart == 0 ? m_caseMapper.lower(piece) : m_caseMapper.title(piece);
+            pieceStart = i + 1;
+        }
         return result;
     }
     case CaseConversionType::SnakeCase:
@@ -324,7 +339,7 @@ QString RulePipeline::applyRegex(Step &step, const QString &text)
 {
     if (!step.pattern)
         return text;
-    return step.pattern->replaceAll(text, step.rule->replaceText, IcuMatcher::Replacement::Template).value_or(text);
+    return step.pattern->replaceAll(text, *step.replacement).value_or(text);
 }
 
 } // namespace quillfern

@@ -3,7 +3,6 @@
 #include "engine/casemapper_p.h"
 #include "engine/graphemes_p.h"
 #include "engine/icumatcher_p.h"
-#include "model/fileitem.h"
 #include "model/renamerule.h"
 
 #include <QList>
@@ -27,9 +26,9 @@ public:
     /// The new base name of `name` after every enabled rule, in order; `index` is the file's batch position.
     [[nodiscard]] QString applyRules(const QString &name, qint64 index);
 
-    /// The full new name of the file at `index`: its base name through the rules, then its extension or that of
-    /// the last enabled extension rule.
-    [[nodiscard]] QString newName(const FileItem &file, qint64 index);
+    /// The full new name of the file named `original` at `index`: its base name through the rules, then its
+    /// extension or that of the last enabled extension rule.
+    [[nodiscard]] QString newName(const QString &original, qint64 index);
 
     /// The key under which names clash: the name lower-cased.
     [[nodiscard]] QString conflictKey(const QString &name) const;
@@ -41,6 +40,8 @@ private:
         const RenameRule *rule = nullptr;
         /// The pattern of a regex rule or a regex replace.
         std::unique_ptr<IcuMatcher> pattern;
+        /// The replacement template of that pattern.
+        std::optional<ReplacementTemplate> replacement;
         /// The case-insensitive search of a replace, an insert anchor, a removed text or a start marker.
         std::unique_ptr<IcuMatcher> search;
         /// The end marker of a remove between two strings.
@@ -50,6 +51,7 @@ private:
 
     [[nodiscard]] static Step compile(const RenameRule &rule);
     [[nodiscard]] static std::unique_ptr<IcuMatcher> caseInsensitiveSearch(const QString &literal);
+    static void compilePattern(Step &step, uint32_t flags);
 
     [[nodiscard]] QString applyStep(Step &step, const QString &text, qint64 index);
     [[nodiscard]] static QString applyReplace(Step &step, const QString &text);

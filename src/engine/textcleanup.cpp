@@ -14,6 +14,21 @@ bool isWhitespace(QChar unit)
 
 bool isKept(char32_t scalar)
 {
+    // ASCII alone is decided without a lookup in the Unicode tables.
+    if (scalar < 0x80) {
+        const auto ascii = char(scalar);
+        switch (ascii) {
+        case ' ':
+        case '_':
+        case '-':
+        case '(':
+        case ')':
+        case '.':
+            return true;
+        default:
+            return (ascii >= 'a' && ascii <= 'z') || (ascii >= 'A' && ascii <= 'Z') || (ascii >= '0' && ascii <= '9');
+        }
+    }
     switch (QChar::category(scalar)) {
     case QChar::Letter_Uppercase:
     case QChar::Letter_Lowercase:
@@ -28,7 +43,7 @@ bool isKept(char32_t scalar)
     case QChar::Number_Other:
         return true;
     default:
-        return QStringView(u" _-().").contains(QChar(scalar));
+        return false;
     }
 }
 
@@ -42,7 +57,8 @@ QString trimWhitespace(const QString &text)
         ++start;
     while (end > start && isWhitespace(text[end - 1]))
         --end;
-    return text.sliced(start, end - start);
+    // Sharing the text when nothing is trimmed saves a copy per name.
+    return start == 0 && end == text.size() ? text : text.sliced(start, end - start);
 }
 
 QString collapseSpaces(const QString &text)
@@ -60,17 +76,19 @@ QString collapseSpaces(const QString &text)
 
 QString keepAlphanumerics(const QString &text)
 {
-    QString result;
-    result.reserve(text.size());
+    QString result(text.size(), Qt::Uninitialized);
+    QChar *out = result.data();
     for (qsizetype i = 0; i < text.size();) {
-        const char32_t scalar = text.at(i).isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()
-                                    ? QChar::surrogateToUcs4(text.at(i), text.at(i + 1))
-                                    : text.at(i).unicode();
-        const qsizetype length = QChar::requiresSurrogates(scalar) ? 2 : 1;
-        if (isKept(scalar))
-            result += QStringView(text).sliced(i, length);
+        const bool isPair = text.at(i).isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate();
+        const char32_t scalar = isPair ? QChar::surrogateToUcs4(text.at(i), text.at(i + 1)) : text.at(i).unicode();
+        const qsizetype length = isPair ? 2 : 1;
+        if (isKept(scalar)) {
+            for (qsizetype unit = 0; unit < length; ++unit)
+                *out++ = text.at(i + unit);
+        }
         i += length;
     }
+    result.truncate(out - result.constData());
     return result;
 }
 

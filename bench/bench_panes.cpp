@@ -1,0 +1,208 @@
+// Measures the file list pane and the preview pane with 100,000 files: the time from addFiles to the first
+// painted frame of both panes, and from a rule change to the repainted preview (plus a filter keystroke and a
+// jump to the end of the list). Files are real, in 100 folders of 1,000 on /dev/shm, so the size and date
+// columns read real attributes. Usage: bench_panes [RUNS] (default 5; the median is reported).
+
+#include "model/nativepath.h"
+#include "state/appviewmodel.h"
+#include "ui/filelistview.h"
+#include "ui/previewpanelview.h"
+
+#include <QAbstractScrollArea>
+#include <QApplication>
+#include <QElapsedTimer>
+#include <QHBoxLayout>
+#include <QLineEdit>
+#include <QListView>
+#include <QScrollBar>
+#include <QTableView>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTextStream>
+
+#include <algorithm>
+#include <fstream>
+#include <functional>
+#include <vector>
+
+using namespace quillfern;
+using namespace Qt::StringLiterals;
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr int folderCount = 100;
+constexpr int filesPerFolder = 1000;
+
+QList<fs::path> makeFiles(const QString &root)
+{
+    QList<fs::path> files;
+    files.reserve(folderCount * filesPerFolder);
+    for (int folder = 0; folder < folderCount; ++folder) {
+        const fs::path directory = nativepath::fromText(root) / ("Folder " + std::to_string(folder));
+        fs::create_directory(directory);
+        for (int file = 0; file < filesPerFolder; ++file) {
+            files.append(directory / ("IMG_" + std::to_string(file) + " holiday photo.jpg"));
+            std::ofstream(files.last()) << file;
+        }
+    }
+    return files;
+}
+
+/// Counts paint events of a widget, to tell when a frame has been drawn.
+class PaintCounter final : public QObject
+{
+public:
+    explicit PaintCounter(QWidget *widget) { widget->installEventFilter(this); }
+    int count = 0;
+
+protected:
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            ++count;
+        return false;
+    }
+};
+
+/// Runs the event loop until every counter has seen a paint since `before`.
+void waitForPaint(const std::vector<PaintCounter *> &counters, const std::vector<int> &before)
+{
+    const auto allPainted = [&] {
+        for (std::size_t index = 0; index < counters.size(); ++index) {
+            if (counters[index]->count == before[index])
+                return false;
+        }
+        return true;
+    };
+    while (!allPainted())
+        QCoreApplication::processEvents(QEventLoop::AllEvents);
+}
+
+std::vector<int> counts(const std::vector<PaintCounter *> &counters)
+{
+    std::vector<int> values;
+    for (const PaintCounter *counter : counters)
+        values.push_back(counter->count);
+    return values;
+}
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
+double milliseconds(const QElapsedTimer &timer)
+{
+    return double(timer.nsecsElapsed()) / 1e6;
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    const int runs = argc > 1 ? std::max(1, QString::fromLocal8Bit(argv[1]).toInt()) : 5;
+    QTextStream out(stdout);
+
+    QTemporaryDir root(u"/dev/shm/quillfern-bench-panes-XXXXXX"_s);
+    if (!root.isValid())
+        qFatal("cannot create a folder on /dev/shm");
+    const QList<fs::path> files = makeFiles(root.path());
+    out << "files: " << files.size() << " real files in " << folderCount << " folders on /dev/shm, " << runs
+        << " runs, median\n";
+
+    // The state object's own share, without any view: what the panes cannot make faster.
+    std::vector<double> stateAdd;
+    std::vector<double> stateFiltered;
+    std::vector<double> stateRule;
+    for (int run = 0; run < runs; ++run) {
+        AppViewModel vm;
+        RenameRule rule(RuleType::Replace);
+        rule.findText = u"holiday"_s;
+        rule.replaceText = u"trip"_s;
+        vm.addRule(rule);
+        QElapsedTimer timer;
+        timer.start();
+        vm.addFiles(files);
+        stateAdd.push_back(milliseconds(timer));
+        timer.restart();
+        (void)vm.filteredFiles();
+        stateFiltered.push_back(milliseconds(timer));
+        rule.replaceText = u"journey"_s;
+        timer.restart();
+        vm.updateRule(rule);
+        stateRule.push_back(milliseconds(timer));
+    }
+
+    std::vector<double> addToPaint;
+    std::vector<double> addCall;
+    std::vector<double> ruleToPaint;
+    std::vector<double> ruleCall;
+    std::vector<double> keystrokeToPaint;
+    std::vector<double> jumpToEnd;
+    for (int run = 0; run < runs; ++run) {
+        AppViewModel vm;
+        QWidget window;
+        auto *layout = new QHBoxLayout(&window);
+        auto *fileList = new FileListView(&vm, &window);
+        auto *preview = new PreviewPanelView(&vm, &window);
+        layout->addWidget(fileList, 3);
+        layout->addWidget(preview, 2);
+        window.resize(1280, 800);
+        window.show();
+        if (!QTest::qWaitForWindowExposed(&window))
+            qFatal("the window is not exposed");
+        auto *table = fileList->findChild<QTableView *>(u"fileTable"_s);
+        auto *previewList = preview->findChild<QListView *>(u"previewList"_s);
+        PaintCounter tablePaints(table->viewport());
+        PaintCounter previewPaints(previewList->viewport());
+        const std::vector<PaintCounter *> both{&tablePaints, &previewPaints};
+
+        RenameRule rule(RuleType::Replace);
+        rule.findText = u"holiday"_s;
+        rule.replaceText = u"trip"_s;
+        vm.addRule(rule);
+
+        QElapsedTimer timer;
+        timer.start();
+        auto before = counts(both);
+        vm.addFiles(files);
+        addCall.push_back(milliseconds(timer));
+        waitForPaint(both, before);
+        addToPaint.push_back(milliseconds(timer));
+
+        rule.replaceText = u"journey"_s;
+        before = counts({&previewPaints});
+        timer.restart();
+        vm.updateRule(rule);
+        ruleCall.push_back(milliseconds(timer));
+        waitForPaint({&previewPaints}, before);
+        ruleToPaint.push_back(milliseconds(timer));
+
+        before = counts(both);
+        timer.restart();
+        QTest::keyClick(fileList->findChild<QLineEdit *>(u"filterField"_s), Qt::Key_7);
+        waitForPaint(both, before);
+        keystrokeToPaint.push_back(milliseconds(timer));
+
+        before = counts({&tablePaints});
+        timer.restart();
+        table->verticalScrollBar()->setValue(table->verticalScrollBar()->maximum());
+        waitForPaint({&tablePaints}, before);
+        jumpToEnd.push_back(milliseconds(timer));
+    }
+
+    out << "state object alone: addFiles " << median(stateAdd) << " ms, filteredFiles " << median(stateFiltered)
+        << " ms, updateRule " << median(stateRule) << " ms\n";
+    out << "addFiles to first painted frame of both panes: " << median(addToPaint) << " ms (addFiles call itself "
+        << median(addCall) << " ms)\n";
+    out << "rule change to repainted preview: " << median(ruleToPaint) << " ms (updateRule call itself "
+        << median(ruleCall) << " ms)\n";
+    out << "filter keystroke to repainted panes: " << median(keystrokeToPaint) << " ms\n";
+    out << "jump to the end of the table: " << median(jumpToEnd) << " ms\n";
+    return 0;
+}

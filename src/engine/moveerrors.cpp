@@ -1,0 +1,19 @@
+#include "engine/moveerrors_p.h"
+#include "model/nativepath.h"
+
+using namespace Qt::StringLiterals;
+
+namespace quillfern::moveerrors {
+
+MoveError destinationExists(const std::filesystem::path &to)
+{
+    return MoveError{MoveError::Kind::DestinationExists,
+        u"A file named “%1” already exists."_s.arg(nativepath::toText(to.filename()))};
+}
+
+MoveError systemError(const std::error_code &code)
+{
+    return MoveError{MoveError::Kind::Other, QString::fromStdString(code.message())};
+}
+
+} // namespace quillfern::moveerrors

@@ -1,0 +1,86 @@
+#include "engine/posixmove_p.h"
+
+#ifndef Q_OS_WIN
+
+#include "engine/moveerrors_p.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+
+namespace quillfern::posixmove {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+std::optional<MoveError> lastError(const fs::path &to)
+{
+    if (errno == EEXIST)
+        return moveerrors::destinationExists(to);
+    return moveerrors::systemError(std::error_code(errno, std::generic_category()));
+}
+
+/// Whether the file system refused the no-replace flag itself rather than the move. EEXIST never counts.
+bool refusedFlag(int error)
+{
+    return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP || error == ENOTSUP;
+}
+
+/// The atomic no-replace rename; -1 with errno set on failure.
+int renameExclusive(const fs::path &from, const fs::path &to)
+{
+#if defined(Q_OS_LINUX)
+    return renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
+#elif defined(Q_OS_DARWIN)
+    return renamex_np(from.c_str(), to.c_str(), RENAME_EXCL);
+#else
+    errno = ENOSYS;
+    return -1;
+#endif
+}
+
+} // namespace
+
+std::optional<MoveError> moveByLinking(const fs::path &from, const fs::path &to)
+{
+    if (linkat(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), 0) != 0)
+        return lastError(to);
+    if (unlinkat(AT_FDCWD, from.c_str(), 0) != 0) {
+        const auto error = lastError(from);
+        unlinkat(AT_FDCWD, to.c_str(), 0);
+        return error;
+    }
+    return std::nullopt;
+}
+
+std::optional<MoveError> moveAfterChecking(const fs::path &from, const fs::path &to)
+{
+    struct stat status = {};
+    if (lstat(to.c_str(), &status) == 0)
+        return moveerrors::destinationExists(to);
+    if (std::rename(from.c_str(), to.c_str()) != 0)
+        return lastError(to);
+    return std::nullopt;
+}
+
+std::optional<MoveError> move(const fs::path &from, const fs::path &to)
+{
+    if (renameExclusive(from, to) == 0)
+        return std::nullopt;
+    if (!refusedFlag(errno))
+        return lastError(to);
+    struct stat status = {};
+    if (lstat(from.c_str(), &status) != 0)
+        return lastError(from);
+    if (S_ISDIR(status.st_mode))
+        return moveAfterChecking(from, to);
+    return moveByLinking(from, to);
+}
+
+} // namespace quillfern::posixmove
+
+#endif

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "engine/filemover.h"
+#include "model/nativepath.h"
+
+#include <QHash>
+#include <QList>
+#include <QSet>
+#include <QString>
+
+#include <utility>
+
+namespace quillfern {
+
+/// An in-memory file system for rename tests: it can ignore letter case, and it fails chosen moves with chosen
+/// errors (permission denied, vanished source, full disk) that a test running as root cannot provoke.
+class FakeFileMover final : public FileMover
+{
+public:
+    explicit FakeFileMover(const QList<std::filesystem::path> &existing, bool ignoresCase = false)
+        : m_ignoresCase(ignoresCase)
+    {
+        for (const std::filesystem::path &path : existing)
+            m_items.insert(key(path));
+    }
+
+    /// The move asked for as the `callNumber`-th (from 0) fails with the message.
+    void failMove(qsizetype callNumber, const QString &message) { m_failures.insert(callNumber, message); }
+
+    std::optional<MoveError> move(const std::filesystem::path &from, const std::filesystem::path &to) override
+    {
+        if (const auto failure = m_failures.constFind(m_moves.size()); failure != m_failures.cend()) {
+            m_moves.append({nativepath::toText(from), nativepath::toText(to)});
+            return MoveError{MoveError::Kind::Other, *failure};
+        }
+        m_moves.append({nativepath::toText(from), nativepath::toText(to)});
+        if (!m_items.contains(key(from)))
+            return MoveError{MoveError::Kind::Other, QStringLiteral("No such file or directory")};
+        if (m_items.contains(key(to)))
+            return MoveError{MoveError::Kind::DestinationExists, QStringLiteral("exists")};
+        m_items.remove(key(from));
+        m_items.insert(key(to));
+        return std::nullopt;
+    }
+
+    bool isSameItem(const std::filesystem::path &first, const std::filesystem::path &second) override
+    {
+        return m_items.contains(key(first)) && key(first) == key(second);
+    }
+
+    bool exists(const std::filesystem::path &path) override { return m_items.contains(key(path)); }
+
+    /// Every move asked for, as (from, to) texts, in order.
+    [[nodiscard]] const QList<std::pair<QString, QString>> &moves() const { return m_moves; }
+
+private:
+    [[nodiscard]] QString key(const std::filesystem::path &path) const
+    {
+        const QString text = nativepath::toText(path);
+        return m_ignoresCase ? text.toLower() : text;
+    }
+
+    bool m_ignoresCase;
+    QSet<QString> m_items;
+    QHash<qsizetype, QString> m_failures;
+    QList<std::pair<QString, QString>> m_moves;
+};
+
+} // namespace quillfern

@@ -1,0 +1,303 @@
+#include "engine/renameengine.h"
+#include "fakefilemover.h"
+#include "model/nativepath.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <fstream>
+
+using namespace quillfern;
+using namespace Qt::StringLiterals;
+namespace fs = std::filesystem;
+
+/// Batch renames on disk: which files move, where, and what each attempt reports.
+class TestRename final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void cleanup();
+    void emptyRulesMoveNothing();
+    void unselectedFilesAreSkippedButCounted();
+    void existingNameFailsAndTheBatchGoesOn();
+    void caseOnlyRenameIsAttempted();
+    void sameNameInTwoFoldersRenamesBoth();
+    void renamesFolders();
+    void renamesANameThatIsNotUtf8();
+    void unchangedNameThatIsNotUtf8IsLeftAlone();
+    void invalidNewNamesFailWithTheReason_data();
+    void invalidNewNamesFailWithTheReason();
+    void failedMoveInTheMiddleStopsNothing();
+    void caseOnlyRenameOnACaseInsensitiveDiskGoesThroughATemporaryName();
+    void failedSecondStepMovesTheItemBack();
+    void failedMoveBackSaysWhereTheItemIs();
+
+private:
+    fs::path createFile(const QString &relativePath, const QByteArray &content = "data");
+    [[nodiscard]] QString read(const QString &relativePath) const;
+    [[nodiscard]] bool existsInDir(const QString &relativePath) const;
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+};
+
+namespace {
+
+RenameRule replaceAll(const QString &find, const QString &with)
+{
+    RenameRule rule(RuleType::Replace);
+    rule.findText = find;
+    rule.replaceText = with;
+    rule.isCaseSensitive = true;
+    return rule;
+}
+
+QList<FileItem> itemsFor(const QList<fs::path> &paths)
+{
+    QList<FileItem> files;
+    for (const fs::path &path : paths)
+        files.append(FileItem(path));
+    return files;
+}
+
+} // namespace
+
+void TestRename::init()
+{
+    m_dir = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_dir->isValid());
+}
+
+void TestRename::cleanup()
+{
+    // QTemporaryDir removes entries by their text names, which loses the bytes of a name that is not UTF-8.
+    std::error_code ignored;
+    fs::remove_all(nativepath::fromText(m_dir->path()), ignored);
+}
+
+fs::path TestRename::createFile(const QString &relativePath, const QByteArray &content)
+{
+    QFile file(m_dir->filePath(relativePath));
+    QDir().mkpath(QFileInfo(file).absolutePath());
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("cannot create a test file");
+    return nativepath::fromText(file.fileName());
+}
+
+QString TestRename::read(const QString &relativePath) const
+{
+    QFile file(m_dir->filePath(relativePath));
+    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+}
+
+bool TestRename::existsInDir(const QString &relativePath) const
+{
+    return QFileInfo::exists(m_dir->filePath(relativePath));
+}
+
+void TestRename::emptyRulesMoveNothing()
+{
+    const QList<FileItem> files = itemsFor({createFile(u"a.txt"_s), createFile(u"b.txt"_s)});
+    QVERIFY(RenameEngine::rename(files, {}).isEmpty());
+    QVERIFY(existsInDir(u"a.txt"_s));
+}
+
+void TestRename::unselectedFilesAreSkippedButCounted()
+{
+    QList<FileItem> files = itemsFor({createFile(u"x.txt"_s), createFile(u"y.txt"_s), createFile(u"z.txt"_s)});
+    files[1].isSelected = false;
+    const QList<RenameResult> results = RenameEngine::rename(files, {RenameRule(RuleType::Numbering)});
+    QCOMPARE(results.size(), 2);
+    QVERIFY(results[0].success);
+    QCOMPARE(nativepath::toText(results[0].newURL), m_dir->filePath(u"x_001.txt"_s));
+    QCOMPARE(nativepath::toText(results[1].originalURL), m_dir->filePath(u"z.txt"_s));
+    QCOMPARE(nativepath::toText(results[1].newURL), m_dir->filePath(u"z_003.txt"_s));
+    QVERIFY(existsInDir(u"x_001.txt"_s));
+    QVERIFY(existsInDir(u"y.txt"_s));
+    QVERIFY(existsInDir(u"z_003.txt"_s));
+}
+
+void TestRename::existingNameFailsAndTheBatchGoesOn()
+{
+    createFile(u"b.txt"_s, "precious");
+    const QList<FileItem> files = itemsFor({createFile(u"a.txt"_s, "a"), createFile(u"c.txt"_s, "c")});
+    // a becomes b, which exists; c becomes d.
+    const QList<RenameResult> results =
+        RenameEngine::rename(files, {replaceAll(u"a"_s, u"b"_s), replaceAll(u"c"_s, u"d"_s)});
+    QCOMPARE(results.size(), 2);
+    QVERIFY(!results[0].success);
+    QCOMPARE(results[0].error, u"A file named “b.txt” already exists."_s);
+    QVERIFY(results[1].success);
+    QVERIFY(!results[1].error);
+    QCOMPARE(read(u"b.txt"_s), u"precious"_s);
+    QCOMPARE(read(u"a.txt"_s), u"a"_s);
+    QCOMPARE(read(u"d.txt"_s), u"c"_s);
+}
+
+void TestRename::caseOnlyRenameIsAttempted()
+{
+    const QList<FileItem> files = itemsFor({createFile(u"notes.txt"_s)});
+    RenameRule title(RuleType::CaseConversion);
+    const QList<RenameResult> results = RenameEngine::rename(files, {title});
+    QCOMPARE(results.size(), 1);
+    QVERIFY2(results[0].success, qPrintable(results[0].error.value_or(QString())));
+    QVERIFY(QDir(m_dir->path()).entryList(QDir::Files).contains(u"Notes.txt"_s));
+}
+
+void TestRename::sameNameInTwoFoldersRenamesBoth()
+{
+    const QList<FileItem> files = itemsFor({createFile(u"one/a1.txt"_s), createFile(u"two/a2.txt"_s)});
+    RenameRule lastCharacter(RuleType::Remove);
+    lastCharacter.removeTarget = RemoveTarget::LastN;
+    QVERIFY(RenameEngine::preview({lastCharacter}, files)[1].hasConflict);
+    const QList<RenameResult> results = RenameEngine::rename(files, {lastCharacter});
+    QCOMPARE(results.size(), 2);
+    QVERIFY(results[0].success && results[1].success);
+    QVERIFY(existsInDir(u"one/a.txt"_s));
+    QVERIFY(existsInDir(u"two/a.txt"_s));
+}
+
+void TestRename::renamesFolders()
+{
+    QVERIFY(QDir(m_dir->path()).mkpath(u"Photos.2024/inner"_s));
+    const FileItem folder(nativepath::fromText(m_dir->filePath(u"Photos.2024"_s)));
+    QVERIFY(folder.isDirectory);
+    RenameRule upper(RuleType::CaseConversion);
+    upper.caseType = CaseConversionType::Uppercase;
+    const QList<RenameResult> results = RenameEngine::rename({folder}, {upper});
+    QCOMPARE(results.size(), 1);
+    QVERIFY(results[0].success);
+    QVERIFY(QFileInfo(m_dir->filePath(u"PHOTOS.2024/inner"_s)).isDir());
+}
+
+void TestRename::renamesANameThatIsNotUtf8()
+{
+    const fs::path raw = nativepath::fromText(m_dir->path()) / fs::path(std::string("caf\xe9 1.txt"));
+    {
+        std::ofstream(raw) << "bytes";
+    }
+    QVERIFY(fs::exists(raw));
+    const QList<RenameResult> results = RenameEngine::rename(itemsFor({raw}), {replaceAll(u"\ufffd"_s, u"e"_s)});
+    QCOMPARE(results.size(), 1);
+    QVERIFY2(results[0].success, qPrintable(results[0].error.value_or(QString())));
+    QCOMPARE(results[0].originalURL, raw);
+    QVERIFY(!fs::exists(raw));
+    QCOMPARE(read(u"cafe 1.txt"_s), u"bytes"_s);
+}
+
+void TestRename::unchangedNameThatIsNotUtf8IsLeftAlone()
+{
+    // Its text has U+FFFD where the bytes were; writing that text back would change the name.
+    const fs::path raw = nativepath::fromText(m_dir->path()) / fs::path(std::string("caf\xe9.txt"));
+    {
+        std::ofstream(raw) << "bytes";
+    }
+    QVERIFY(RenameEngine::rename(itemsFor({raw}), {replaceAll(u"zzz"_s, u"y"_s)}).isEmpty());
+    QVERIFY(fs::exists(raw));
+}
+
+void TestRename::invalidNewNamesFailWithTheReason_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("replacement");
+    QTest::addColumn<QString>("error");
+    QTest::newRow("an empty name") << u"x"_s << QString() << u"The new name is empty."_s;
+    QTest::newRow("a single dot") << u"x"_s << u"."_s << u"The name “.” is reserved by the file system."_s;
+    QTest::newRow("two dots") << u"x"_s << u".."_s << u"The name “..” is reserved by the file system."_s;
+    QTest::newRow("a slash would move the file into another folder")
+        << u"x.txt"_s << u"../x"_s << u"The new name contains “/”, which a file name cannot contain."_s;
+    QTest::newRow("a NUL character")
+        << u"x.txt"_s << u"a\0b"_s
+        << u"The new name contains the control character U+0000, which a file name cannot contain."_s;
+    QTest::newRow("exactly 255 bytes of UTF-8 with an emoji is allowed")
+        << u"x.txt"_s << QString(123, u'é') + u"🎉a"_s << QString();
+    QTest::newRow("more than 255 bytes of UTF-8")
+        << u"x.txt"_s << QString(126, u'é') << u"The new name is 256 bytes long; a file name can have at most 255."_s;
+}
+
+void TestRename::invalidNewNamesFailWithTheReason()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, replacement);
+    QFETCH(QString, error);
+    const QList<FileItem> files = itemsFor({createFile(name), createFile(u"other.txt"_s)});
+    const QList<RenameResult> results =
+        RenameEngine::rename(files, {replaceAll(u"x"_s, replacement), replaceAll(u"other"_s, u"fine"_s)});
+    QCOMPARE(results.size(), 2);
+    QCOMPARE(results[0].success, error.isEmpty());
+    QCOMPARE(results[0].error.value_or(QString()), error);
+    QCOMPARE(existsInDir(name), !error.isEmpty());
+    QVERIFY(results[1].success);
+    QVERIFY(existsInDir(u"fine.txt"_s));
+    QCOMPARE(QDir(m_dir->path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden).size(), 2);
+}
+
+void TestRename::failedMoveInTheMiddleStopsNothing()
+{
+    const QList<fs::path> paths{"/f/a.txt", "/f/b.txt", "/f/c.txt", "/f/d.txt"};
+    FakeFileMover mover({paths[0], paths[2], paths[3]});
+    mover.failMove(2, u"Permission denied"_s);
+    mover.failMove(3, u"No space left on device"_s);
+    RenameRule prefix(RuleType::Insert);
+    prefix.insertText = u"new_"_s;
+    const QList<RenameResult> results = RenameEngine::rename(itemsFor(paths), {prefix}, mover);
+    QCOMPARE(results.size(), 4);
+    QVERIFY(results[0].success);
+    QCOMPARE(results[1].error, u"No such file or directory"_s);
+    QCOMPARE(results[2].error, u"Permission denied"_s);
+    QCOMPARE(results[3].error, u"No space left on device"_s);
+    QCOMPARE(nativepath::toText(results[3].newURL), u"/f/new_d.txt"_s);
+    QVERIFY(mover.exists("/f/new_a.txt"));
+    QCOMPARE(mover.moves().size(), 4);
+}
+
+void TestRename::caseOnlyRenameOnACaseInsensitiveDiskGoesThroughATemporaryName()
+{
+    FakeFileMover mover({"/f/notes.txt"}, true);
+    const QList<RenameResult> results =
+        RenameEngine::rename(itemsFor({"/f/notes.txt"}), {RenameRule(RuleType::CaseConversion)}, mover);
+    QCOMPARE(results.size(), 1);
+    QVERIFY2(results[0].success, qPrintable(results[0].error.value_or(QString())));
+    QCOMPARE(mover.moves().size(), 3);
+    QCOMPARE(mover.moves()[0], std::make_pair(u"/f/notes.txt"_s, u"/f/Notes.txt"_s));
+    const QString temporary = mover.moves()[1].second;
+    QVERIFY(temporary.startsWith(u"/f/."_s));
+    QCOMPARE(mover.moves()[1].first, u"/f/notes.txt"_s);
+    QCOMPARE(mover.moves()[2], std::make_pair(temporary, u"/f/Notes.txt"_s));
+    QVERIFY(!mover.exists(nativepath::fromText(temporary)));
+}
+
+void TestRename::failedSecondStepMovesTheItemBack()
+{
+    FakeFileMover mover({"/f/notes.txt"}, true);
+    mover.failMove(2, u"Read-only file system"_s);
+    const QList<RenameResult> results =
+        RenameEngine::rename(itemsFor({"/f/notes.txt"}), {RenameRule(RuleType::CaseConversion)}, mover);
+    QCOMPARE(results.size(), 1);
+    QVERIFY(!results[0].success);
+    QCOMPARE(results[0].error, u"Read-only file system"_s);
+    QCOMPARE(mover.moves().size(), 4);
+    QCOMPARE(mover.moves()[3], std::make_pair(mover.moves()[1].second, u"/f/notes.txt"_s));
+    QVERIFY(mover.exists("/f/notes.txt"));
+}
+
+void TestRename::failedMoveBackSaysWhereTheItemIs()
+{
+    FakeFileMover mover({"/f/notes.txt"}, true);
+    mover.failMove(2, u"Read-only file system"_s);
+    mover.failMove(3, u"Input/output error"_s);
+    const QList<RenameResult> results =
+        RenameEngine::rename(itemsFor({"/f/notes.txt"}), {RenameRule(RuleType::CaseConversion)}, mover);
+    QCOMPARE(results.size(), 1);
+    QVERIFY(!results[0].success);
+    const QString temporaryName = nativepath::toText(nativepath::fromText(mover.moves()[1].second).filename());
+    QCOMPARE(results[0].error,
+        u"Read-only file system; moving it back failed too (Input/output error), so it is now named “%1”."_s.arg(
+            temporaryName));
+}
+
+QTEST_APPLESS_MAIN(TestRename)
+#include "tst_rename.moc"

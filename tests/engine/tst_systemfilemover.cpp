@@ -1,0 +1,184 @@
+#include "engine/posixmove_p.h"
+#include "engine/systemfilemover.h"
+#include "model/nativepath.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace quillfern;
+using namespace Qt::StringLiterals;
+namespace fs = std::filesystem;
+
+/// The move primitive on the real file system: it never replaces anything and explains each failure.
+class TestSystemFileMover final : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+    void movesAFile();
+    void neverReplacesAnExistingItem_data();
+    void neverReplacesAnExistingItem();
+    void movesAFolder();
+    void missingSourceFailsWithTheSystemMessage();
+    void tellsWhetherTwoPathsAreOneItem();
+    void danglingLinkExists();
+    void fallbacksNeverReplace_data();
+    void fallbacksNeverReplace();
+    void linkingMovesASymbolicLinkItself();
+
+private:
+    fs::path path(const QString &name) const { return nativepath::fromText(m_dir->filePath(name)); }
+    fs::path write(const QString &name, const QByteArray &content) const;
+    QByteArray read(const QString &name) const;
+
+    std::unique_ptr<QTemporaryDir> m_dir;
+};
+
+void TestSystemFileMover::init()
+{
+    m_dir = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_dir->isValid());
+}
+
+fs::path TestSystemFileMover::write(const QString &name, const QByteArray &content) const
+{
+    QFile file(m_dir->filePath(name));
+    if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
+        qFatal("cannot create a test file");
+    return path(name);
+}
+
+QByteArray TestSystemFileMover::read(const QString &name) const
+{
+    QFile file(m_dir->filePath(name));
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void TestSystemFileMover::movesAFile()
+{
+    SystemFileMover mover;
+    write(u"a.txt"_s, "content");
+    QCOMPARE(mover.move(path(u"a.txt"_s), path(u"b.txt"_s)), std::nullopt);
+    QVERIFY(!mover.exists(path(u"a.txt"_s)));
+    QCOMPARE(read(u"b.txt"_s), "content");
+}
+
+void TestSystemFileMover::neverReplacesAnExistingItem_data()
+{
+    QTest::addColumn<QString>("destinationKind");
+    QTest::newRow("a file stays") << u"file"_s;
+    QTest::newRow("an empty folder stays") << u"folder"_s;
+    QTest::newRow("a dangling symbolic link stays") << u"link"_s;
+}
+
+void TestSystemFileMover::neverReplacesAnExistingItem()
+{
+    QFETCH(QString, destinationKind);
+    SystemFileMover mover;
+    write(u"a.txt"_s, "new");
+    if (destinationKind == u"file")
+        write(u"b.txt"_s, "precious");
+    else if (destinationKind == u"folder")
+        QVERIFY(QDir(m_dir->path()).mkdir(u"b.txt"_s));
+    else
+        fs::create_symlink("nowhere", path(u"b.txt"_s));
+
+    const std::optional<MoveError> error = mover.move(path(u"a.txt"_s), path(u"b.txt"_s));
+    QVERIFY(error);
+    QCOMPARE(error->kind, MoveError::Kind::DestinationExists);
+    QCOMPARE(error->message, u"A file named “b.txt” already exists."_s);
+    QCOMPARE(read(u"a.txt"_s), "new");
+    if (destinationKind == u"file")
+        QCOMPARE(read(u"b.txt"_s), "precious");
+    else if (destinationKind == u"folder")
+        QVERIFY(fs::is_directory(path(u"b.txt"_s)));
+    else
+        QCOMPARE(fs::read_symlink(path(u"b.txt"_s)), fs::path("nowhere"));
+}
+
+void TestSystemFileMover::movesAFolder()
+{
+    SystemFileMover mover;
+    QVERIFY(QDir(m_dir->path()).mkpath(u"old/inner"_s));
+    QCOMPARE(mover.move(path(u"old"_s), path(u"new"_s)), std::nullopt);
+    QVERIFY(fs::is_directory(path(u"new/inner"_s)));
+    QVERIFY(!mover.exists(path(u"old"_s)));
+}
+
+void TestSystemFileMover::missingSourceFailsWithTheSystemMessage()
+{
+    SystemFileMover mover;
+    const std::optional<MoveError> error = mover.move(path(u"gone.txt"_s), path(u"b.txt"_s));
+    QVERIFY(error);
+    QCOMPARE(error->kind, MoveError::Kind::Other);
+    QCOMPARE(error->message, u"No such file or directory"_s);
+}
+
+void TestSystemFileMover::tellsWhetherTwoPathsAreOneItem()
+{
+    SystemFileMover mover;
+    write(u"a.txt"_s, "a");
+    write(u"b.txt"_s, "b");
+    fs::create_hard_link(path(u"a.txt"_s), path(u"link.txt"_s));
+    QVERIFY(mover.isSameItem(path(u"a.txt"_s), path(u"a.txt"_s)));
+    QVERIFY(mover.isSameItem(path(u"a.txt"_s), path(u"link.txt"_s)));
+    QVERIFY(!mover.isSameItem(path(u"a.txt"_s), path(u"b.txt"_s)));
+    QVERIFY(!mover.isSameItem(path(u"a.txt"_s), path(u"missing.txt"_s)));
+}
+
+void TestSystemFileMover::danglingLinkExists()
+{
+    SystemFileMover mover;
+    fs::create_symlink("nowhere", path(u"link"_s));
+    QVERIFY(mover.exists(path(u"link"_s)));
+    QVERIFY(!mover.exists(path(u"nowhere"_s)));
+}
+
+void TestSystemFileMover::fallbacksNeverReplace_data()
+{
+    // Where a file system refuses the no-replace flag, files are linked and folders checked first.
+    QTest::addColumn<bool>("isFolder");
+    QTest::newRow("linking a file") << false;
+    QTest::newRow("checking, then renaming a folder") << true;
+}
+
+void TestSystemFileMover::fallbacksNeverReplace()
+{
+    QFETCH(bool, isFolder);
+    const auto fallback = isFolder ? &posixmove::moveAfterChecking : &posixmove::moveByLinking;
+    if (isFolder)
+        QVERIFY(QDir(m_dir->path()).mkpath(u"a/inner"_s));
+    else
+        write(u"a"_s, "new");
+    write(u"b"_s, "precious");
+
+    const std::optional<MoveError> refused = fallback(path(u"a"_s), path(u"b"_s));
+    QVERIFY(refused);
+    QCOMPARE(refused->kind, MoveError::Kind::DestinationExists);
+    QCOMPARE(refused->message, u"A file named “b” already exists."_s);
+    QCOMPARE(read(u"b"_s), "precious");
+    QVERIFY(fs::exists(path(u"a"_s)));
+
+    QCOMPARE(fallback(path(u"a"_s), path(u"c"_s)), std::nullopt);
+    QVERIFY(!fs::exists(path(u"a"_s)));
+    if (isFolder)
+        QVERIFY(fs::is_directory(path(u"c/inner"_s)));
+    else
+        QCOMPARE(read(u"c"_s), "new");
+}
+
+void TestSystemFileMover::linkingMovesASymbolicLinkItself()
+{
+    write(u"target"_s, "data");
+    fs::create_symlink("target", path(u"link"_s));
+    QCOMPARE(posixmove::moveByLinking(path(u"link"_s), path(u"moved"_s)), std::nullopt);
+    QVERIFY(fs::is_symlink(path(u"moved"_s)));
+    QCOMPARE(fs::read_symlink(path(u"moved"_s)), fs::path("target"));
+    QVERIFY(!fs::exists(fs::symlink_status(path(u"link"_s))));
+}
+
+QTEST_APPLESS_MAIN(TestSystemFileMover)
+#include "tst_systemfilemover.moc"
