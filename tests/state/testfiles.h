@@ -1,5 +1,6 @@
 #pragma once
 
+#include "model/fileitem.h"
 #include "model/nativepath.h"
 
 #include <QDir>
@@ -8,6 +9,15 @@
 #include <QTest>
 
 #include <filesystem>
+
+/// The current names of the items, in order.
+inline QStringList names(const QList<quillfern::FileItem> &items)
+{
+    QStringList result;
+    for (const quillfern::FileItem &item : items)
+        result << item.originalName();
+    return result;
+}
 
 /// Creates files and folders below a temporary folder for state tests.
 class TestFiles final

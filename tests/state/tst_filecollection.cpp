@@ -17,14 +17,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-QStringList names(const QList<FileItem> &items)
-{
-    QStringList result;
-    for (const FileItem &item : items)
-        result << item.originalName();
-    return result;
-}
-
 void setModificationTime(const fs::path &path, int secondsAgo)
 {
     fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::seconds(secondsAgo));

@@ -16,14 +16,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-QStringList names(const QList<FileItem> &items)
-{
-    QStringList result;
-    for (const FileItem &item : items)
-        result << item.originalName();
-    return result;
-}
-
 QStringList previewNames(const AppViewModel &vm)
 {
     QStringList result;
