@@ -113,7 +113,9 @@ std::optional<CliOptions> CliOptions::parse(int argc, char **argv, QString &erro
         const qsizetype equals = argument.indexOf(u'=');
         const QString name = equals < 0 ? argument : argument.left(equals);
         const std::optional<QString> inlineValue = equals < 0 ? std::nullopt : std::optional(argument.mid(equals + 1));
-        const auto value = [&]() { return reader.valueOf(name, inlineValue, error); };
+        const auto value = [&]() {
+            return reader.valueOf(name, inlineValue, error);
+        };
 
         if (const auto flag = flagMembers().constFind(name); flag != flagMembers().cend()) {
             if (inlineValue) {
@@ -126,8 +128,8 @@ std::optional<CliOptions> CliOptions::parse(int argc, char **argv, QString &erro
             if (!text)
                 return std::nullopt;
             const RuleSource::Kind kind = name == u"--rules"_s ? RuleSource::Kind::RulesFile
-                                          : name == u"--preset"_s ? RuleSource::Kind::Preset
-                                                                  : RuleSource::Kind::Command;
+                : name == u"--preset"_s                        ? RuleSource::Kind::Preset
+                                                               : RuleSource::Kind::Command;
             options.ruleSources.append({kind, *text});
         } else if (name == u"--filter"_s) {
             const auto text = value();

@@ -56,9 +56,8 @@ QJsonArray rulesJson(const QList<RenameRule> &rules)
 const Preset *presetNamed(const PresetManager &manager, const QString &name)
 {
     const QList<Preset> &presets = manager.presets();
-    const auto found = std::find_if(presets.cbegin(), presets.cend(), [&](const Preset &preset) {
-        return preset.name == name;
-    });
+    const auto found =
+        std::find_if(presets.cbegin(), presets.cend(), [&](const Preset &preset) { return preset.name == name; });
     return found == presets.cend() ? nullptr : &*found;
 }
 
@@ -185,7 +184,8 @@ bool CliTool::prepare(AppViewModel &vm)
     vm.setSortOrder(sortOrderNamed(m_options.sort));
     vm.addFiles(m_options.paths);
     // Rules that would stop the engine are refused here, before any preview or rename runs them.
-    const QString violation = RenameEngine::preconditionViolation(*rules, vm.files().size());
+    // Numbering counts positions in the previewed list, so that list's length is what must not overflow.
+    const QString violation = RenameEngine::preconditionViolation(*rules, vm.filteredFiles().size());
     if (!violation.isEmpty()) {
         fail(violation);
         return false;
@@ -227,30 +227,33 @@ int CliTool::runRename()
     AppViewModel vm;
     if (!prepare(vm))
         return BadInput;
-    // What the preview shows, in its order, is what is renamed: the filtered, sorted list with its numbering.
-    const QList<FileItem> files = vm.filteredFiles();
     const auto changes = std::count_if(vm.previews().cbegin(), vm.previews().cend(), [](const PreviewEntry &entry) {
         return entry.original != entry.preview;
     });
     if (changes > 0 && !m_options.assumeYes) {
         if (!isTerminal(stdin))
             return fail(u"refusing to rename without confirmation: pass --yes when not on a terminal"_s);
-        m_out << PreviewPrinter::table(vm.previews(), isTerminal(stdout));
+        const QList<PreviewEntry> shown = vm.previews();
+        m_out << PreviewPrinter::table(shown, isTerminal(stdout));
         if (!confirm(changes)) {
             m_out << "Nothing renamed.\n";
             return Success;
         }
+        // Time passed while the user read the preview: what is renamed must still be what was confirmed.
+        vm.updatePreviews();
+        if (vm.previews() != shown)
+            return fail(u"the files or their new names changed while waiting for confirmation; nothing was renamed"_s);
     }
-    const QList<RenameResult> results = RenameEngine::rename(files, vm.rules());
+    // What the preview shows, in its order, is what is renamed: the filtered, sorted list with its numbering.
+    const QList<RenameResult> results = RenameEngine::rename(vm.filteredFiles(), vm.rules());
     if (m_options.json) {
         m_out << PreviewPrinter::resultJson(results);
         m_err << PreviewPrinter::resultSummary(results) << '\n';
     } else {
         m_out << PreviewPrinter::resultLines(results) << PreviewPrinter::resultSummary(results) << '\n';
     }
-    const bool anyFailed = std::any_of(results.cbegin(), results.cend(), [](const RenameResult &result) {
-        return !result.success;
-    });
+    const bool anyFailed =
+        std::any_of(results.cbegin(), results.cend(), [](const RenameResult &result) { return !result.success; });
     return anyFailed ? RenameFailed : Success;
 }
 
@@ -261,8 +264,8 @@ int CliTool::runParse()
     QJsonArray array;
     for (const ParsedRule &suggestion : NaturalLanguageParser::parse(m_options.words.join(u' '))) {
         array.append(QJsonObject{{u"rule"_s, suggestion.rule.toJson()},
-                                 {u"confidence"_s, suggestion.confidence},
-                                 {u"description"_s, suggestion.description}});
+            {u"confidence"_s, suggestion.confidence},
+            {u"description"_s, suggestion.description}});
     }
     m_out << QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Indented));
     return Success;

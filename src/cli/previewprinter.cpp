@@ -42,11 +42,10 @@ QString PreviewPrinter::summary(const QList<PreviewEntry> &previews)
     const auto changes = std::count_if(previews.cbegin(), previews.cend(), [](const PreviewEntry &entry) {
         return entry.original != entry.preview;
     });
-    const auto conflicts = std::count_if(previews.cbegin(), previews.cend(), [](const PreviewEntry &entry) {
-        return entry.hasConflict;
-    });
+    const auto conflicts =
+        std::count_if(previews.cbegin(), previews.cend(), [](const PreviewEntry &entry) { return entry.hasConflict; });
     return counted(previews.size(), u"file"_s) + u", "_s + counted(changes, u"change"_s) + u", "_s
-           + counted(conflicts, u"conflict"_s);
+        + counted(conflicts, u"conflict"_s);
 }
 
 QString PreviewPrinter::table(const QList<PreviewEntry> &previews, bool useColour)
@@ -76,9 +75,9 @@ QString PreviewPrinter::json(const QList<PreviewEntry> &previews, const QList<Fi
     QJsonArray array;
     for (qsizetype i = 0; i < previews.size(); ++i) {
         array.append(QJsonObject{{u"original"_s, previews[i].original},
-                                 {u"preview"_s, previews[i].preview},
-                                 {u"hasConflict"_s, previews[i].hasConflict},
-                                 {u"path"_s, nativepath::toText(files[i].url)}});
+            {u"preview"_s, previews[i].preview},
+            {u"hasConflict"_s, previews[i].hasConflict},
+            {u"path"_s, nativepath::toText(files[i].url)}});
     }
     return jsonText(array);
 }
@@ -87,8 +86,8 @@ QString PreviewPrinter::resultLines(const QList<RenameResult> &results)
 {
     QString text;
     for (const RenameResult &result : results) {
-        const QString move = nativepath::toText(result.originalURL) + u" -> "_s
-                             + nativepath::toText(result.newURL.filename());
+        const QString move =
+            nativepath::toText(result.originalURL) + u" -> "_s + nativepath::toText(result.newURL.filename());
         if (result.success)
             text += u"renamed: "_s + move + u'\n';
         else
@@ -102,20 +101,18 @@ QString PreviewPrinter::resultJson(const QList<RenameResult> &results)
     QJsonArray array;
     for (const RenameResult &result : results) {
         array.append(QJsonObject{{u"originalPath"_s, nativepath::toText(result.originalURL)},
-                                 {u"newPath"_s, nativepath::toText(result.newURL)},
-                                 {u"success"_s, result.success},
-                                 {u"error"_s, result.error ? QJsonValue(*result.error) : QJsonValue()}});
+            {u"newPath"_s, nativepath::toText(result.newURL)},
+            {u"success"_s, result.success},
+            {u"error"_s, result.error ? QJsonValue(*result.error) : QJsonValue()}});
     }
     return jsonText(array);
 }
 
 QString PreviewPrinter::resultSummary(const QList<RenameResult> &results)
 {
-    const auto succeeded = std::count_if(results.cbegin(), results.cend(), [](const RenameResult &result) {
-        return result.success;
-    });
-    return QString::number(succeeded) + u" renamed, "_s + QString::number(results.size() - succeeded)
-           + u" failed"_s;
+    const auto succeeded =
+        std::count_if(results.cbegin(), results.cend(), [](const RenameResult &result) { return result.success; });
+    return QString::number(succeeded) + u" renamed, "_s + QString::number(results.size() - succeeded) + u" failed"_s;
 }
 
 } // namespace quillfern

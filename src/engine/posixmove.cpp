@@ -30,6 +30,12 @@ bool refusedFlag(int error)
     return error == EINVAL || error == ENOSYS || error == EOPNOTSUPP || error == ENOTSUP;
 }
 
+/// Whether a failed link says the file system cannot link at all, rather than that this link failed.
+bool hasNoHardLinks(int error)
+{
+    return error == EPERM || error == EOPNOTSUPP || error == ENOTSUP || error == ENOSYS;
+}
+
 /// The atomic no-replace rename; -1 with errno set on failure.
 int renameExclusive(const fs::path &from, const fs::path &to)
 {
@@ -47,8 +53,13 @@ int renameExclusive(const fs::path &from, const fs::path &to)
 
 std::optional<MoveError> moveByLinking(const fs::path &from, const fs::path &to)
 {
-    if (linkat(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), 0) != 0)
+    if (linkat(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), 0) != 0) {
+        // Some file systems have no hard links at all (exFAT, SMB, many FUSE ones); there only the
+        // check-then-rename is left.
+        if (hasNoHardLinks(errno))
+            return moveAfterChecking(from, to);
         return lastError(to);
+    }
     if (unlinkat(AT_FDCWD, from.c_str(), 0) != 0) {
         const auto error = lastError(from);
         unlinkat(AT_FDCWD, to.c_str(), 0);

@@ -4,6 +4,7 @@
 #include "engine/preconditions_p.h"
 #include "engine/rulepipeline_p.h"
 #include "engine/systemfilemover.h"
+#include "model/movedlocations.h"
 #include "model/nativepath.h"
 
 #include <QThread>
@@ -180,6 +181,9 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QLi
     RulePipeline pipeline(rules);
     QList<RenameResult> results;
     results.reserve(files.size());
+    // A folder listed before its contents may be renamed first; its contents are then followed to where
+    // they are now.
+    MovedLocations moved;
     for (qsizetype i = 0; i < files.size(); ++i) {
         const FileItem &file = files[i];
         // An unselected file gets no result but keeps its position for the numbering of the files after it.
@@ -190,12 +194,18 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QLi
         // Compared as text, so a name that is not valid UTF-8 and that no rule changed is left alone.
         if (newName == original)
             continue;
-        // The same as parentURL() / newName, without parsing the folder's path again.
-        fs::path destination = fs::path(file.url).replace_filename(nativepath::fromText(newName));
+        const fs::path source = moved.currentLocation(file.url);
+        fs::path destination = fs::path(source).replace_filename(nativepath::fromText(newName));
+        RenameResult result;
         if (const QString reason = newnamecheck::whyInvalid(newName); !reason.isEmpty())
-            results.append(failure(file.url, destination, reason));
+            result = failure(source, destination, reason);
         else
-            results.append(renameOne(file.url, std::move(destination), mover));
+            result = renameOne(source, std::move(destination), mover);
+        if (result.success)
+            moved.record(file.url, result.newURL);
+        // The result names the item as it was listed, so the caller can find it.
+        result.originalURL = file.url;
+        results.append(std::move(result));
     }
     return results;
 }

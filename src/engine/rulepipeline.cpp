@@ -1,6 +1,5 @@
-#include "engine/rulepipeline_p.h"
-
 #include "engine/preconditions_p.h"
+#include "engine/rulepipeline_p.h"
 #include "engine/textcleanup_p.h"
 #include "model/fileitem.h"
 #include "model/icutext_p.h"

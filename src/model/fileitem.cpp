@@ -19,14 +19,6 @@ namespace {
 
 constexpr QStringView noValue = u"—";
 
-fs::path withoutTrailingSeparator(fs::path location)
-{
-    // "a/b/" names the folder b; its last component must be "b", not the empty name after the slash.
-    while (!location.has_filename() && location.has_relative_path())
-        location = location.parent_path();
-    return location;
-}
-
 bool probeIsDirectory(const fs::path &location)
 {
     std::error_code error;
@@ -54,7 +46,7 @@ FileItem::FileItem(fs::path location)
 
 FileItem::FileItem(fs::path location, bool locationIsDirectory)
     : id(QUuid::createUuid())
-    , url(withoutTrailingSeparator(std::move(location)))
+    , url(nativepath::withoutTrailingSeparator(std::move(location)))
     , previewName(nativepath::toText(url.filename()))
     , isDirectory(locationIsDirectory)
 {

@@ -21,4 +21,11 @@ std::filesystem::path fromText(const QString &text)
 #endif
 }
 
+std::filesystem::path withoutTrailingSeparator(std::filesystem::path path)
+{
+    while (!path.has_filename() && path.has_relative_path())
+        path = path.parent_path();
+    return path;
+}
+
 } // namespace quillfern::nativepath

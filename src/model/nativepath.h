@@ -16,5 +16,8 @@ QString toText(const std::filesystem::path &path);
 /// The native path for a text (UTF-8 bytes on POSIX).
 std::filesystem::path fromText(const QString &text);
 
+/// The path without trailing separators, so its last component is the item's name ("a/b/" names "b").
+std::filesystem::path withoutTrailingSeparator(std::filesystem::path path);
+
 } // namespace nativepath
 } // namespace quillfern

@@ -3,6 +3,7 @@
 #include "engine/filemover.h"
 #include "engine/renameengine.h"
 #include "engine/systemfilemover.h"
+#include "model/movedlocations.h"
 #include "model/nativepath.h"
 #include "parser/naturallanguageparser.h"
 #include "presets/preset.h"
@@ -16,8 +17,11 @@
 #include <QThreadPool>
 
 #include <algorithm>
+#include <deque>
 #include <string>
+#include <unordered_map>
 #include <unordered_set>
+#include <vector>
 
 namespace quillfern {
 
@@ -103,9 +107,7 @@ void AppViewModel::setSelectedFileIDs(const QSet<QUuid> &ids)
 
 void AppViewModel::setFileSelected(const QUuid &id, bool selected)
 {
-    const auto item = std::find_if(m_files.begin(), m_files.end(), [&](const FileItem &file) {
-        return file.id == id;
-    });
+    const auto item = std::find_if(m_files.begin(), m_files.end(), [&](const FileItem &file) { return file.id == id; });
     if (item == m_files.end() || item->isSelected == selected)
         return;
     item->isSelected = selected;
@@ -155,7 +157,8 @@ void AppViewModel::addFiles(const QList<fs::path> &locations)
         if (!existing.contains(location.native()))
             added.append(FileItem(location, isDirectory));
     };
-    for (const fs::path &location : locations) {
+    for (const fs::path &given : locations) {
+        const fs::path location = nativepath::withoutTrailingSeparator(given);
         std::error_code error;
         const bool isDirectory = fs::is_directory(location, error);
         if (isDirectory && m_includeSubfolders)
@@ -296,10 +299,10 @@ void AppViewModel::performRename()
         return item.isSelected;
     });
     QThreadPool::globalInstance()->start([selected = std::move(selected),
-                                          rules = m_rules,
-                                          mover = m_fileMover,
-                                          isAlive = m_isAlive,
-                                          self = QPointer(this)] {
+                                             rules = m_rules,
+                                             mover = m_fileMover,
+                                             isAlive = m_isAlive,
+                                             self = QPointer(this)] {
         if (!isAlive->load())
             return;
         const QList<RenameResult> results = RenameEngine::rename(selected, rules, *mover);
@@ -314,14 +317,30 @@ void AppViewModel::performRename()
 void AppViewModel::completeRename(const QList<RenameResult> &results)
 {
     QList<FileItem> files = m_files;
+    // Each renamed item replaces the first item listed at its old location that was not replaced yet; the
+    // positions are looked up by location so a large batch stays linear.
+    std::unordered_map<fs::path::string_type, std::deque<qsizetype>> positions;
+    for (qsizetype index = 0; index < files.size(); ++index)
+        positions[files[index].url.native()].push_back(index);
+    std::vector<bool> isReplaced(std::size_t(files.size()), false);
+    MovedLocations moved;
     for (const RenameResult &result : results) {
         if (!result.success)
             continue;
-        const auto renamed = std::find_if(files.begin(), files.end(), [&](const FileItem &item) {
-            return item.url == result.originalURL;
-        });
-        if (renamed != files.end())
-            *renamed = FileItem(result.newURL);
+        moved.record(result.originalURL, result.newURL);
+        const auto found = positions.find(result.originalURL.native());
+        if (found == positions.end() || found->second.empty())
+            continue;
+        const qsizetype index = found->second.front();
+        found->second.pop_front();
+        files[index] = FileItem(result.newURL);
+        isReplaced[std::size_t(index)] = true;
+    }
+    // Items inside a renamed folder moved with it: they are followed to where they are now and stay who they
+    // are, so the next rename does not fail on a stale location.
+    for (qsizetype index = 0; index < files.size(); ++index) {
+        if (!isReplaced[std::size_t(index)])
+            files[index].url = moved.currentLocation(files[index].url);
     }
     setFiles(std::move(files));
     m_lastRenameResults = results;
@@ -363,7 +382,7 @@ QString AppViewModel::exportCSV() const
     QString text = u"Original Name,New Name,Has Conflict\n"_s;
     for (const PreviewEntry &entry : m_previews) {
         text += u'"' + entry.original + u"\",\""_s + entry.preview + u"\","_s
-                + (entry.hasConflict ? u"true"_s : u"false"_s) + u'\n';
+            + (entry.hasConflict ? u"true"_s : u"false"_s) + u'\n';
     }
     return text;
 }

@@ -36,17 +36,14 @@ class AppViewModel final : public QObject
     Q_PROPERTY(QList<RenameResult> lastRenameResults READ lastRenameResults NOTIFY lastRenameResultsChanged)
     Q_PROPERTY(SortOrder sortOrder READ sortOrder WRITE setSortOrder NOTIFY sortOrderChanged)
     Q_PROPERTY(QString filterText READ filterText WRITE setFilterText NOTIFY filterTextChanged)
-    Q_PROPERTY(bool includeSubfolders READ includeSubfolders WRITE setIncludeSubfolders NOTIFY
-                   includeSubfoldersChanged)
+    Q_PROPERTY(bool includeSubfolders READ includeSubfolders WRITE setIncludeSubfolders NOTIFY includeSubfoldersChanged)
     Q_PROPERTY(bool showOnlyFiles READ showOnlyFiles WRITE setShowOnlyFiles NOTIFY showOnlyFilesChanged)
     Q_PROPERTY(bool showOnlyFolders READ showOnlyFolders WRITE setShowOnlyFolders NOTIFY showOnlyFoldersChanged)
     Q_PROPERTY(QString naturalLanguageInput READ naturalLanguageInput WRITE setNaturalLanguageInput NOTIFY
-                   naturalLanguageInputChanged)
-    Q_PROPERTY(QList<ParsedRule> nlSuggestions READ nlSuggestions WRITE setNlSuggestions NOTIFY
-                   nlSuggestionsChanged)
+            naturalLanguageInputChanged)
+    Q_PROPERTY(QList<ParsedRule> nlSuggestions READ nlSuggestions WRITE setNlSuggestions NOTIFY nlSuggestionsChanged)
     Q_PROPERTY(bool showNLPanel READ showNLPanel WRITE setShowNLPanel NOTIFY showNLPanelChanged)
-    Q_PROPERTY(QSet<QUuid> selectedFileIDs READ selectedFileIDs WRITE setSelectedFileIDs NOTIFY
-                   selectedFileIDsChanged)
+    Q_PROPERTY(QSet<QUuid> selectedFileIDs READ selectedFileIDs WRITE setSelectedFileIDs NOTIFY selectedFileIDsChanged)
     Q_PROPERTY(QList<QList<FileItem>> undoStack READ undoStack NOTIFY undoStackChanged)
     Q_PROPERTY(QList<QList<FileItem>> redoStack READ redoStack NOTIFY redoStackChanged)
 

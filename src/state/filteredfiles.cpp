@@ -1,7 +1,6 @@
-#include "state/filteredfiles_p.h"
-
 #include "model/fileattributes.h"
 #include "model/icutext_p.h"
+#include "state/filteredfiles_p.h"
 
 #include <unicode/coll.h>
 #include <unicode/locid.h>
@@ -95,12 +94,16 @@ QList<FileItem> sortedItems(const QList<FileItem> &items, AppViewModel::SortOrde
     case AppViewModel::SortOrder::Name: {
         const CollationKeys collation;
         return stablySorted<std::string>(
-            items, [&](const FileItem &item) { return collation.keyOf(item.originalName()); }, std::less<>());
+            items,
+            [&](const FileItem &item) { return collation.keyOf(item.originalName()); },
+            std::less<>());
     }
     case AppViewModel::SortOrder::Type: {
         const CollationKeys collation;
         return stablySorted<std::string>(
-            items, [&](const FileItem &item) { return collation.keyOf(item.fileExtension()); }, std::less<>());
+            items,
+            [&](const FileItem &item) { return collation.keyOf(item.fileExtension()); },
+            std::less<>());
     }
     case AppViewModel::SortOrder::Date:
         // Newest first; an unreadable date counts as the most distant past.
@@ -114,7 +117,9 @@ QList<FileItem> sortedItems(const QList<FileItem> &items, AppViewModel::SortOrde
     case AppViewModel::SortOrder::Size:
         // Largest first; folders and unreadable sizes count as 0.
         return stablySorted<qint64>(
-            items, [](const FileItem &item) { return fileattributes::fileSize(item.url).value_or(0); }, std::greater<>());
+            items,
+            [](const FileItem &item) { return fileattributes::fileSize(item.url).value_or(0); },
+            std::greater<>());
     }
     return items;
 }

@@ -8,13 +8,16 @@ namespace fs = std::filesystem;
 
 void forEachEntry(const fs::path &folder, const std::function<void(const fs::path &, bool)> &visit)
 {
+    // Each folder is listed on its own, so an entry that cannot be read ends the listing of its folder only,
+    // never the rest of the tree.
     std::error_code error;
-    fs::recursive_directory_iterator it(folder, fs::directory_options::skip_permission_denied, error);
-    for (; !error && it != fs::recursive_directory_iterator(); it.increment(error)) {
+    for (fs::directory_iterator it(folder, error); !error && it != fs::directory_iterator(); it.increment(error)) {
         std::error_code statusError;
         // The entry's type comes from the directory listing where it can; only links need a stat.
-        const bool isDirectory = it->is_directory(statusError);
-        visit(it->path(), isDirectory && !statusError);
+        const bool isDirectory = it->is_directory(statusError) && !statusError;
+        visit(it->path(), isDirectory);
+        if (isDirectory && !it->is_symlink(statusError))
+            forEachEntry(it->path(), visit);
     }
 }
 

@@ -9,6 +9,6 @@ namespace quillfern::folderenumerator {
 /// entries and names that are not valid UTF-8 included; links to folders are listed but not entered, and
 /// unreadable folders are skipped. A folder that cannot be opened yields nothing.
 void forEachEntry(const std::filesystem::path &folder,
-                  const std::function<void(const std::filesystem::path &entry, bool isDirectory)> &visit);
+    const std::function<void(const std::filesystem::path &entry, bool isDirectory)> &visit);
 
 } // namespace quillfern::folderenumerator

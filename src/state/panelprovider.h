@@ -25,8 +25,7 @@ public:
     /// Runs a modal save panel proposing `proposedName`; `nameFilter` ("CSV files (*.csv)") restricts the file
     /// types when not empty. Returns the chosen location, or none when the user cancels.
     [[nodiscard]] virtual std::optional<std::filesystem::path> chooseSaveLocation(const QString &proposedName,
-                                                                                  const QString &nameFilter)
-        = 0;
+        const QString &nameFilter) = 0;
 };
 
 } // namespace quillfern

@@ -49,6 +49,7 @@ private Q_SLOTS:
     void renameRenamesWhatPreviewShows();
     void renameReportsFailuresWithStatusOne();
     void renameJsonResults();
+    void renameFolderWithItsContents();
     void renameNameThatIsNotUtf8();
     void nothingToRenameIsSuccess();
     void parsePrintsSuggestions();
@@ -87,8 +88,8 @@ Run TestCli::run(const QStringList &arguments, const QByteArray &input) const
     if (!process.waitForFinished(60000))
         return {};
     return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2,
-            QString::fromUtf8(process.readAllStandardOutput()),
-            QString::fromUtf8(process.readAllStandardError())};
+        QString::fromUtf8(process.readAllStandardOutput()),
+        QString::fromUtf8(process.readAllStandardError())};
 }
 
 QString TestCli::file(const QString &relative, const QByteArray &content) const
@@ -143,8 +144,8 @@ void TestCli::badUsageExitsWithTwo_data()
     QTest::addColumn<QString>("message");
     QTest::newRow("an unknown option") << QStringList{u"preview"_s, u"--bogus"_s} << u"unknown option '--bogus'"_s;
     QTest::newRow("an unknown command") << QStringList{u"frobnicate"_s} << u"unknown command 'frobnicate'"_s;
-    QTest::newRow("an option without its value") << QStringList{u"preview"_s, u"--rules"_s}
-                                                 << u"option --rules needs a value"_s;
+    QTest::newRow("an option without its value")
+        << QStringList{u"preview"_s, u"--rules"_s} << u"option --rules needs a value"_s;
     QTest::newRow("an unknown sort") << QStringList{u"preview"_s, u"--sort"_s, u"colour"_s}
                                      << u"--sort takes name, date, size or type, not 'colour'"_s;
     QTest::newRow("an unknown format") << QStringList{u"preview"_s, u"--format=xml"_s}
@@ -173,11 +174,11 @@ void TestCli::previewTableShowsNamesAndSummary()
     file(u"two/a.txt"_s);
     file(u"b.txt"_s);
     const Run result = run({u"preview"_s,
-                            u"--rules"_s,
-                            writeRules({insertAtEnd(u"_x"_s)}),
-                            m_files->filePath(u"one/a.txt"_s),
-                            m_files->filePath(u"two/a.txt"_s),
-                            m_files->filePath(u"b.txt"_s)});
+        u"--rules"_s,
+        writeRules({insertAtEnd(u"_x"_s)}),
+        m_files->filePath(u"one/a.txt"_s),
+        m_files->filePath(u"two/a.txt"_s),
+        m_files->filePath(u"b.txt"_s)});
     QCOMPARE(result.exitCode, 0);
     QVERIFY2(result.out.contains(u"a.txt"_s) && result.out.contains(u"a_x.txt  (conflict)"_s), qPrintable(result.out));
     QVERIFY(result.out.contains(u"b_x.txt"_s));
@@ -191,15 +192,15 @@ void TestCli::previewCsvIsTheExportText()
     file(u"b, c.txt"_s);
     file(u"a.txt"_s);
     const Run result = run({u"preview"_s,
-                            u"--format"_s,
-                            u"csv"_s,
-                            u"--rules"_s,
-                            writeRules({insertAtEnd(u"1"_s)}),
-                            m_files->filePath(u"b, c.txt"_s),
-                            m_files->filePath(u"a.txt"_s)});
+        u"--format"_s,
+        u"csv"_s,
+        u"--rules"_s,
+        writeRules({insertAtEnd(u"1"_s)}),
+        m_files->filePath(u"b, c.txt"_s),
+        m_files->filePath(u"a.txt"_s)});
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.out,
-             u"Original Name,New Name,Has Conflict\n\"a.txt\",\"a1.txt\",false\n\"b, c.txt\",\"b, c1.txt\",false\n"_s);
+        u"Original Name,New Name,Has Conflict\n\"a.txt\",\"a1.txt\",false\n\"b, c.txt\",\"b, c1.txt\",false\n"_s);
 }
 
 void TestCli::previewJsonListsEveryFile()
@@ -223,17 +224,17 @@ void TestCli::selectionOptionsFilterAndSort()
     file(u"x/notes.txt"_s, QByteArray(900, 'x'));
     QDir().mkpath(m_files->filePath(u"x/sub.jpg"_s));
     const Run result = run({u"preview"_s,
-                            u"--format=csv"_s,
-                            u"--recursive"_s,
-                            u"--filter"_s,
-                            u"jpg"_s,
-                            u"--files-only"_s,
-                            u"--sort"_s,
-                            u"size"_s,
-                            m_files->filePath(u"x"_s)});
+        u"--format=csv"_s,
+        u"--recursive"_s,
+        u"--filter"_s,
+        u"jpg"_s,
+        u"--files-only"_s,
+        u"--sort"_s,
+        u"size"_s,
+        m_files->filePath(u"x"_s)});
     QCOMPARE(result.exitCode, 0);
     QCOMPARE(result.out,
-             u"Original Name,New Name,Has Conflict\n\"big.jpg\",\"big.jpg\",false\n\"small.JPG\",\"small.JPG\",false\n"_s);
+        u"Original Name,New Name,Has Conflict\n\"big.jpg\",\"big.jpg\",false\n\"small.JPG\",\"small.JPG\",false\n"_s);
     const Run folders = run({u"preview"_s, u"--format=csv"_s, u"-r"_s, u"--folders-only"_s, m_files->filePath(u"x"_s)});
     QCOMPARE(folders.out, u"Original Name,New Name,Has Conflict\n\"sub.jpg\",\"sub.jpg\",false\n"_s);
 }
@@ -246,22 +247,22 @@ void TestCli::recursiveAddsFolderContents()
     QCOMPARE(flat.out, u"Original Name,New Name,Has Conflict\n\"x\",\"x\",false\n"_s);
     const Run deep = run({u"preview"_s, u"--format=csv"_s, u"--recursive"_s, m_files->filePath(u"x"_s)});
     QCOMPARE(deep.out,
-             u"Original Name,New Name,Has Conflict\n\"a.txt\",\"a.txt\",false\n\"b.txt\",\"b.txt\",false\n"
-             u"\"deep\",\"deep\",false\n"_s);
+        u"Original Name,New Name,Has Conflict\n\"a.txt\",\"a.txt\",false\n\"b.txt\",\"b.txt\",false\n"
+        u"\"deep\",\"deep\",false\n"_s);
 }
 
 void TestCli::rulesCombineInTheOrderGiven()
 {
     const QString a = file(u"a.txt"_s);
     const Run result = run({u"preview"_s,
-                            u"--format=csv"_s,
-                            u"--rules"_s,
-                            writeRules({insertAtEnd(u"-one"_s)}),
-                            u"--do"_s,
-                            u"uppercase"_s,
-                            u"--rules"_s,
-                            writeRules({insertAtEnd(u"-two"_s)}),
-                            a});
+        u"--format=csv"_s,
+        u"--rules"_s,
+        writeRules({insertAtEnd(u"-one"_s)}),
+        u"--do"_s,
+        u"uppercase"_s,
+        u"--rules"_s,
+        writeRules({insertAtEnd(u"-two"_s)}),
+        a});
     QCOMPARE(result.out, u"Original Name,New Name,Has Conflict\n\"a.txt\",\"A-ONE-two.txt\",false\n"_s);
 }
 
@@ -278,8 +279,8 @@ void TestCli::invalidRulesFileNamesKeyAndRule()
 {
     QJsonObject broken = RenameRule(RuleType::Trim).toJson();
     broken.remove(u"trimWhitespace"_s);
-    const QString rulesFile = file(u"broken.json"_s,
-                                   QJsonDocument(QJsonArray{RenameRule(RuleType::Trim).toJson(), broken}).toJson());
+    const QString rulesFile =
+        file(u"broken.json"_s, QJsonDocument(QJsonArray{RenameRule(RuleType::Trim).toJson(), broken}).toJson());
     const Run result = run({u"preview"_s, u"--rules"_s, rulesFile, u"."_s});
     QCOMPARE(result.exitCode, 2);
     QVERIFY2(result.err.contains(u"rule 2: Key \"trimWhitespace\" not found."_s), qPrintable(result.err));
@@ -329,15 +330,15 @@ void TestCli::renameRenamesWhatPreviewShows()
     file(u"b.jpg"_s);
     RenameRule numbering(RuleType::Numbering);
     const QStringList arguments{u"--filter"_s,
-                                u"txt"_s,
-                                u"--rules"_s,
-                                writeRules({numbering}),
-                                m_files->filePath(u"c.txt"_s),
-                                m_files->filePath(u"a.txt"_s),
-                                m_files->filePath(u"b.jpg"_s)};
+        u"txt"_s,
+        u"--rules"_s,
+        writeRules({numbering}),
+        m_files->filePath(u"c.txt"_s),
+        m_files->filePath(u"a.txt"_s),
+        m_files->filePath(u"b.jpg"_s)};
     const Run preview = run(QStringList{u"preview"_s, u"--format=csv"_s} + arguments);
     QCOMPARE(preview.out,
-             u"Original Name,New Name,Has Conflict\n\"a.txt\",\"a_001.txt\",false\n\"c.txt\",\"c_002.txt\",false\n"_s);
+        u"Original Name,New Name,Has Conflict\n\"a.txt\",\"a_001.txt\",false\n\"c.txt\",\"c_002.txt\",false\n"_s);
     const Run result = run(QStringList{u"rename"_s, u"--yes"_s} + arguments);
     QCOMPARE(result.exitCode, 0);
     QVERIFY(exists(u"a_001.txt"_s));
@@ -351,11 +352,11 @@ void TestCli::renameReportsFailuresWithStatusOne()
 {
     file(u"b_1.txt"_s, "keep");
     const Run result = run({u"rename"_s,
-                            u"--yes"_s,
-                            u"--rules"_s,
-                            writeRules({insertAtEnd(u"_1"_s)}),
-                            file(u"a.txt"_s),
-                            file(u"b.txt"_s)});
+        u"--yes"_s,
+        u"--rules"_s,
+        writeRules({insertAtEnd(u"_1"_s)}),
+        file(u"a.txt"_s),
+        file(u"b.txt"_s)});
     QCOMPARE(result.exitCode, 1);
     QVERIFY(exists(u"a_1.txt"_s));
     QVERIFY(exists(u"b.txt"_s));
@@ -380,6 +381,15 @@ void TestCli::renameJsonResults()
     QVERIFY(entry.value(u"error"_s).isNull());
 }
 
+void TestCli::renameFolderWithItsContents()
+{
+    file(u"sub/inner/z.txt"_s);
+    const Run result =
+        run({u"rename"_s, u"--yes"_s, u"--recursive"_s, u"--do"_s, u"append _x"_s, m_files->filePath(u"sub"_s)});
+    QCOMPARE(result.exitCode, 0);
+    QVERIFY2(exists(u"sub/inner_x/z_x.txt"_s), qPrintable(result.out));
+}
+
 void TestCli::renameNameThatIsNotUtf8()
 {
 #ifdef Q_OS_WIN
@@ -390,7 +400,8 @@ void TestCli::renameNameThatIsNotUtf8()
     RenameRule rule(RuleType::Replace);
     rule.findText = u"\uFFFD"_s;
     rule.replaceText = u"é"_s;
-    const Run result = run({u"rename"_s, u"--yes"_s, u"--rules"_s, writeRules({rule}), u"--recursive"_s, m_files->path()});
+    const Run result =
+        run({u"rename"_s, u"--yes"_s, u"--rules"_s, writeRules({rule}), u"--recursive"_s, m_files->path()});
     QCOMPARE(result.exitCode, 0);
     QVERIFY(exists(u"café.txt"_s));
     QVERIFY(!std::ifstream(folder + "/caf\xe9.txt").good());
@@ -422,8 +433,8 @@ void TestCli::presetsListShowSaveDelete()
     const Run list = run({u"presets"_s});
     QCOMPARE(list.exitCode, 0);
     QCOMPARE(list.out,
-             u"Clean Spaces\t1 rule\nTitle Case\t1 rule\nAdd Date Suffix\t1 rule\nSequential Numbering\t1 rule\n"
-             u"Lowercase + Underscores\t2 rules\n"_s);
+        u"Clean Spaces\t1 rule\nTitle Case\t1 rule\nAdd Date Suffix\t1 rule\nSequential Numbering\t1 rule\n"
+        u"Lowercase + Underscores\t2 rules\n"_s);
 
     const Run shown = run({u"presets"_s, u"show"_s, u"Lowercase + Underscores"_s});
     QCOMPARE(shown.exitCode, 0);

@@ -13,7 +13,7 @@ public:
     }
 
     std::optional<std::filesystem::path> chooseSaveLocation(const QString &proposedName,
-                                                            const QString &nameFilter) override
+        const QString &nameFilter) override
     {
         proposedNames << proposedName;
         nameFilters << nameFilter;

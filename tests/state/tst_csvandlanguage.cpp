@@ -1,8 +1,7 @@
 #include "fakepanelprovider.h"
-#include "testfiles.h"
-
 #include "presets/preset.h"
 #include "state/appviewmodel.h"
+#include "testfiles.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -61,9 +60,9 @@ void TestCsvAndLanguage::rowsQuoteNamesButNotTheFlag()
     vm.addFiles({files.file(u"one/a, b.txt"_s), files.file(u"two/a, c.txt"_s)});
     vm.addRule(replaceRule(u"c"_s, u"b"_s));
     QCOMPARE(vm.exportCSV(),
-             u"Original Name,New Name,Has Conflict\n"
-             u"\"a, b.txt\",\"a, b.txt\",false\n"
-             u"\"a, c.txt\",\"a, b.txt\",true\n"_s);
+        u"Original Name,New Name,Has Conflict\n"
+        u"\"a, b.txt\",\"a, b.txt\",false\n"
+        u"\"a, c.txt\",\"a, b.txt\",true\n"_s);
 }
 
 void TestCsvAndLanguage::namesAreWrittenUnescaped()
@@ -71,8 +70,7 @@ void TestCsvAndLanguage::namesAreWrittenUnescaped()
     TestFiles files;
     AppViewModel vm;
     vm.addFiles({files.file(u"say \"hi\".txt"_s)});
-    QCOMPARE(vm.exportCSV(),
-             u"Original Name,New Name,Has Conflict\n\"say \"hi\".txt\",\"say \"hi\".txt\",false\n"_s);
+    QCOMPARE(vm.exportCSV(), u"Original Name,New Name,Has Conflict\n\"say \"hi\".txt\",\"say \"hi\".txt\",false\n"_s);
 }
 
 void TestCsvAndLanguage::rowsFollowTheFilteredSortedPreview()
@@ -83,7 +81,7 @@ void TestCsvAndLanguage::rowsFollowTheFilteredSortedPreview()
     vm.setFilterText(u".txt"_s);
     vm.updatePreviews();
     QCOMPARE(vm.exportCSV(),
-             u"Original Name,New Name,Has Conflict\n\"a.txt\",\"a.txt\",false\n\"b.txt\",\"b.txt\",false\n"_s);
+        u"Original Name,New Name,Has Conflict\n\"a.txt\",\"a.txt\",false\n\"b.txt\",\"b.txt\",false\n"_s);
 }
 
 void TestCsvAndLanguage::exportWritesUtf8WithoutBom()

@@ -1,8 +1,7 @@
 #include "fakepanelprovider.h"
-#include "testfiles.h"
-
 #include "model/fileattributes.h"
 #include "state/appviewmodel.h"
+#include "testfiles.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -35,6 +34,7 @@ private Q_SLOTS:
     void folderIsExpandedWithSubfolders();
     void namesThatAreNotUtf8AreListed();
     void knownUrlIsNotAddedAgain();
+    void trailingSeparatorNamesTheSameFolder();
     void sameNewUrlTwiceInOneCallIsAddedTwice();
     void missingPathIsAdded();
     void addingAnnouncesFilesAndPreviews();
@@ -150,6 +150,17 @@ void TestFileCollection::knownUrlIsNotAddedAgain()
     QCOMPARE(vm.files().first().id, id);
 }
 
+void TestFileCollection::trailingSeparatorNamesTheSameFolder()
+{
+    TestFiles files;
+    const fs::path folder = files.folder(u"album"_s);
+    AppViewModel vm;
+    vm.addFiles({folder});
+    vm.addFiles({folder / ""});
+    QCOMPARE(vm.files().size(), 1);
+    QCOMPARE(vm.files().first().originalName(), u"album"_s);
+}
+
 void TestFileCollection::sameNewUrlTwiceInOneCallIsAddedTwice()
 {
     TestFiles files;
@@ -249,12 +260,11 @@ void TestFileCollection::sizeSortPutsLargestFirstAndFoldersLast()
     TestFiles files;
     AppViewModel vm;
     vm.addFiles({files.folder(u"folder"_s),
-                 files.file(u"small.txt"_s, "12"),
-                 files.file(u"empty.txt"_s),
-                 files.file(u"large.txt"_s, QByteArray(5000, 'x'))});
+        files.file(u"small.txt"_s, "12"),
+        files.file(u"empty.txt"_s),
+        files.file(u"large.txt"_s, QByteArray(5000, 'x'))});
     vm.setSortOrder(AppViewModel::SortOrder::Size);
-    QCOMPARE(names(vm.filteredFiles()),
-             (QStringList{u"large.txt"_s, u"small.txt"_s, u"folder"_s, u"empty.txt"_s}));
+    QCOMPARE(names(vm.filteredFiles()), (QStringList{u"large.txt"_s, u"small.txt"_s, u"folder"_s, u"empty.txt"_s}));
 }
 
 void TestFileCollection::typeSortPutsNoExtensionFirst()

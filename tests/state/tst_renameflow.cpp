@@ -1,8 +1,7 @@
-#include "testfiles.h"
-
 #include "engine/filemover.h"
 #include "engine/systemfilemover.h"
 #include "state/appviewmodel.h"
+#include "testfiles.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -80,6 +79,7 @@ private Q_SLOTS:
     void undoRestoresTheListAndLeavesTheDisk();
     void newRenameAfterUndoEmptiesRedo();
     void undoAndRedoOnEmptyStacksDoNothing();
+    void folderAndItsContentsAreRenamedTogether();
 };
 
 void TestRenameFlow::addRuleAppendsAndRefreshesPreviews()
@@ -357,6 +357,36 @@ void TestRenameFlow::undoAndRedoOnEmptyStacksDoNothing()
     vm.redoRename();
     QCOMPARE(filesSpy.count(), 0);
     QCOMPARE(previewsSpy.count(), 0);
+}
+
+void TestRenameFlow::folderAndItsContentsAreRenamedTogether()
+{
+    TestFiles files;
+    files.file(u"top/sub/a.txt"_s);
+    files.file(u"top/sub/keep.md"_s);
+    AppViewModel vm;
+    vm.setIncludeSubfolders(true);
+    vm.addFiles({files.path(u"top"_s)});
+    RenameRule rule(RuleType::Replace);
+    rule.findText = u"a"_s;
+    rule.replaceText = u"A"_s;
+    RenameRule sub(RuleType::Replace);
+    sub.findText = u"sub"_s;
+    sub.replaceText = u"Sub"_s;
+    sub.isCaseSensitive = true;
+    rule.isCaseSensitive = true;
+    vm.addRule(rule);
+    vm.addRule(sub);
+    vm.performRename();
+    QTRY_VERIFY(!vm.isRenaming());
+    for (const RenameResult &result : vm.lastRenameResults())
+        QVERIFY2(result.success, qPrintable(result.error.value_or(QString())));
+    QCOMPARE(vm.lastRenameResults().size(), 2);
+    QVERIFY(files.exists(u"top/Sub/A.txt"_s));
+    QVERIFY(files.exists(u"top/Sub/keep.md"_s));
+    // The unchanged item moved with its folder and is still the same item.
+    for (const FileItem &item : vm.files())
+        QVERIFY2(fs::exists(item.url), item.url.c_str());
 }
 
 QTEST_GUILESS_MAIN(TestRenameFlow)
