@@ -61,11 +61,13 @@ void AppViewModel::setShowRenameResult(bool show)
 
 void AppViewModel::setSortOrder(SortOrder order)
 {
+    invalidateFilteredOrder();
     assign(this, m_sortOrder, order, &AppViewModel::sortOrderChanged);
 }
 
 void AppViewModel::setFilterText(const QString &text)
 {
+    invalidateFilteredOrder();
     assign(this, m_filterText, text, &AppViewModel::filterTextChanged);
 }
 
@@ -76,11 +78,13 @@ void AppViewModel::setIncludeSubfolders(bool include)
 
 void AppViewModel::setShowOnlyFiles(bool only)
 {
+    invalidateFilteredOrder();
     assign(this, m_showOnlyFiles, only, &AppViewModel::showOnlyFilesChanged);
 }
 
 void AppViewModel::setShowOnlyFolders(bool only)
 {
+    invalidateFilteredOrder();
     assign(this, m_showOnlyFolders, only, &AppViewModel::showOnlyFoldersChanged);
 }
 
@@ -117,6 +121,7 @@ void AppViewModel::setFileSelected(const QUuid &id, bool selected)
 void AppViewModel::setFiles(QList<FileItem> files)
 {
     m_files = std::move(files);
+    invalidateFilteredOrder();
     Q_EMIT filesChanged();
 }
 
@@ -128,7 +133,21 @@ void AppViewModel::setRules(QList<RenameRule> rules)
 
 QList<FileItem> AppViewModel::filteredFiles() const
 {
-    return FileListFilter{m_filterText, m_showOnlyFiles, m_showOnlyFolders, m_sortOrder}.apply(m_files);
+    const FileListFilter filter{m_filterText, m_showOnlyFiles, m_showOnlyFolders, m_sortOrder};
+    // Sorting by name collates every name; with the order kept, a rule change does not pay for that again.
+    const QList<qsizetype> order = m_filteredOrder ? *m_filteredOrder : filter.positions(m_files);
+    if (!filter.readsFileSystem())
+        m_filteredOrder = order;
+    QList<FileItem> items;
+    items.reserve(order.size());
+    for (qsizetype position : order)
+        items.append(m_files[position]);
+    return items;
+}
+
+void AppViewModel::invalidateFilteredOrder()
+{
+    m_filteredOrder.reset();
 }
 
 qsizetype AppViewModel::selectedCount() const

@@ -68,47 +68,45 @@ private:
     std::unique_ptr<icu::Collator> m_collator;
 };
 
-/// The items stably sorted by their keys (each read once), `before` deciding the order of two keys.
+/// The positions stably sorted by the keys of their items (each read once), `before` deciding the order of two
+/// keys.
 template<typename Key, typename KeyOf, typename Before>
-QList<FileItem> stablySorted(const QList<FileItem> &items, KeyOf keyOf, Before before)
+QList<qsizetype> stablySorted(const QList<FileItem> &files, QList<qsizetype> positions, KeyOf keyOf, Before before)
 {
-    std::vector<Key> keys;
-    keys.reserve(std::size_t(items.size()));
-    for (const FileItem &item : items)
-        keys.push_back(keyOf(item));
-    std::vector<qsizetype> order(std::size_t(items.size()));
-    std::iota(order.begin(), order.end(), 0);
-    std::stable_sort(order.begin(), order.end(), [&](qsizetype left, qsizetype right) {
+    std::vector<Key> keys(std::size_t(files.size()));
+    for (qsizetype position : std::as_const(positions))
+        keys[std::size_t(position)] = keyOf(files[position]);
+    std::stable_sort(positions.begin(), positions.end(), [&](qsizetype left, qsizetype right) {
         return before(keys[std::size_t(left)], keys[std::size_t(right)]);
     });
-    QList<FileItem> sorted;
-    sorted.reserve(items.size());
-    for (qsizetype index : order)
-        sorted.append(items[index]);
-    return sorted;
+    return positions;
 }
 
-QList<FileItem> sortedItems(const QList<FileItem> &items, AppViewModel::SortOrder order)
+QList<qsizetype>
+sortedPositions(const QList<FileItem> &files, QList<qsizetype> positions, AppViewModel::SortOrder order)
 {
     switch (order) {
     case AppViewModel::SortOrder::Name: {
         const CollationKeys collation;
         return stablySorted<std::string>(
-            items,
+            files,
+            std::move(positions),
             [&](const FileItem &item) { return collation.keyOf(item.originalName()); },
             std::less<>());
     }
     case AppViewModel::SortOrder::Type: {
         const CollationKeys collation;
         return stablySorted<std::string>(
-            items,
+            files,
+            std::move(positions),
             [&](const FileItem &item) { return collation.keyOf(item.fileExtension()); },
             std::less<>());
     }
     case AppViewModel::SortOrder::Date:
         // Newest first; an unreadable date counts as the most distant past.
         return stablySorted<qint64>(
-            items,
+            files,
+            std::move(positions),
             [](const FileItem &item) {
                 const auto date = fileattributes::modificationDate(item.url);
                 return date ? date->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
@@ -117,30 +115,37 @@ QList<FileItem> sortedItems(const QList<FileItem> &items, AppViewModel::SortOrde
     case AppViewModel::SortOrder::Size:
         // Largest first; folders and unreadable sizes count as 0.
         return stablySorted<qint64>(
-            items,
+            files,
+            std::move(positions),
             [](const FileItem &item) { return fileattributes::fileSize(item.url).value_or(0); },
             std::greater<>());
     }
-    return items;
+    return positions;
 }
 
 } // namespace
 
-QList<FileItem> FileListFilter::apply(const QList<FileItem> &files) const
+QList<qsizetype> FileListFilter::positions(const QList<FileItem> &files) const
 {
-    QList<FileItem> kept;
+    QList<qsizetype> kept;
     kept.reserve(files.size());
     const FoldedSubstring filter(filterText);
-    for (const FileItem &item : files) {
+    for (qsizetype position = 0; position < files.size(); ++position) {
+        const FileItem &item = files[position];
         if (!filterText.isEmpty() && !filter.isIn(item.originalName()))
             continue;
         if (showOnlyFiles && item.isDirectory)
             continue;
         if (showOnlyFolders && !item.isDirectory)
             continue;
-        kept.append(item);
+        kept.append(position);
     }
-    return sortedItems(kept, sortOrder);
+    return sortedPositions(files, std::move(kept), sortOrder);
+}
+
+bool FileListFilter::readsFileSystem() const
+{
+    return sortOrder == AppViewModel::SortOrder::Date || sortOrder == AppViewModel::SortOrder::Size;
 }
 
 } // namespace quillfern

@@ -15,8 +15,12 @@ struct FileListFilter
     bool showOnlyFolders = false;
     AppViewModel::SortOrder sortOrder = AppViewModel::SortOrder::Name;
 
-    /// The items that pass, stably sorted. File dates and sizes are read once per item per call.
-    [[nodiscard]] QList<FileItem> apply(const QList<FileItem> &files) const;
+    /// The positions in `files` of the items that pass, stably sorted. File dates and sizes are read once per
+    /// item per call.
+    [[nodiscard]] QList<qsizetype> positions(const QList<FileItem> &files) const;
+
+    /// Whether the order depends on the file system (dates, sizes) and must be worked out afresh each time.
+    [[nodiscard]] bool readsFileSystem() const;
 };
 
 } // namespace quillfern
