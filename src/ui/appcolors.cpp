@@ -1,6 +1,10 @@
 #include "ui/appcolors.h"
 
+#include "model/jsonobjectreader.h"
+
 #include <QApplication>
+#include <QFile>
+#include <QJsonDocument>
 #include <QPalette>
 
 namespace quillfern::AppColors {
@@ -23,6 +27,27 @@ QColor tone(QRgb light, QRgb dark)
     return QColor::fromRgb(isDark() ? dark : light);
 }
 
+/// The two variants of the bundled "AccentColor" asset, read once.
+struct AccentVariants
+{
+    QColor light;
+    QColor dark;
+};
+
+AccentVariants readAccentAsset()
+{
+    QFile file(QStringLiteral(":/assets/AccentColor.json"));
+    [[maybe_unused]] const bool isOpen = file.open(QIODevice::ReadOnly);
+    Q_ASSERT_X(isOpen, "AppColors", "the AccentColor asset is bundled with the application");
+    JsonObjectReader reader(QJsonDocument::fromJson(file.readAll()).object());
+    AccentVariants variants{QColor::fromString(reader.string(QLatin1StringView("light"))),
+        QColor::fromString(reader.string(QLatin1StringView("dark")))};
+    Q_ASSERT_X(!reader.hasError() && variants.light.isValid() && variants.dark.isValid(),
+        "AppColors",
+        "the AccentColor asset holds a light and a dark colour");
+    return variants;
+}
+
 } // namespace
 
 QColor withOpacity(QColor color, double opacity)
@@ -33,7 +58,8 @@ QColor withOpacity(QColor color, double opacity)
 
 QColor accent()
 {
-    return tone(qRgb(0x2F, 0x6F, 0xDB), qRgb(0x5B, 0x9B, 0xFF));
+    static const AccentVariants variants = readAccentAsset();
+    return isDark() ? variants.dark : variants.light;
 }
 
 QColor success()
@@ -99,6 +125,11 @@ QColor secondary()
 QColor tertiary()
 {
     return withOpacity(palette().color(QPalette::WindowText), 0.4);
+}
+
+QColor separator()
+{
+    return withOpacity(palette().color(QPalette::WindowText), 0.15);
 }
 
 } // namespace quillfern::AppColors

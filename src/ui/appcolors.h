@@ -25,6 +25,8 @@ QColor unchangedForeground();
 /// Secondary and tertiary label colours.
 QColor secondary();
 QColor tertiary();
+/// Hairlines between areas of a window.
+QColor separator();
 
 /// `color` with its alpha set to `opacity` (0 to 1).
 QColor withOpacity(QColor color, double opacity);

@@ -1,0 +1,621 @@
+#include "presets/presetmanager.h"
+#include "state/appviewmodel.h"
+#include "ui/contentview.h"
+#include "ui/dialogpanelprovider.h"
+#include "ui/progressoverlayview.h"
+#include "ui/prominentbutton.h"
+#include "ui/renameresultview.h"
+#include "uitesthelpers.h"
+
+#include <QFileDialog>
+#include <QFileSystemModel>
+#include <QLabel>
+#include <QListView>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QScopeGuard>
+#include <QSplitter>
+#include <QTest>
+#include <QTimer>
+#include <QToolButton>
+
+#include <memory>
+
+using namespace Qt::StringLiterals;
+using namespace quillfern;
+
+namespace {
+
+RenameRule prefixRule(const QString &prefix)
+{
+    RenameRule rule(RuleType::Insert);
+    rule.insertText = prefix;
+    rule.insertPosition = InsertPosition::Beginning;
+    return rule;
+}
+
+/// A rule that gives every file the extension "txt", so files that differ only in extension clash.
+RenameRule sameExtensionRule()
+{
+    RenameRule rule(RuleType::ExtensionChange);
+    rule.newExtension = u"txt"_s;
+    return rule;
+}
+
+/// Moves nothing and fails every move without saying why.
+class SilentlyFailingMover final : public FileMover
+{
+public:
+    std::optional<MoveError> move(const std::filesystem::path &, const std::filesystem::path &) override
+    {
+        return MoveError{MoveError::Kind::Other, {}};
+    }
+    bool isSameItem(const std::filesystem::path &, const std::filesystem::path &) override { return false; }
+    bool exists(const std::filesystem::path &) override { return false; }
+};
+
+QString labelText(const QWidget *parent, const QString &objectName)
+{
+    const auto *label = parent->findChild<QLabel *>(objectName);
+    return label ? label->text() : QString();
+}
+
+} // namespace
+
+class TestContentView : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase();
+    void init();
+    void cleanup();
+
+    void countersAppearWithFiles();
+    void conflictCounterShowsOnlyWithConflicts();
+    void rulePillCountsRules_data();
+    void rulePillCountsRules();
+    void renameButtonEnablement_data();
+    void renameButtonEnablement();
+    void topBarButtonsCarryShortcutsAndTooltips();
+    void historyButtonsFollowTheStacks();
+    void panesHaveTheirWidthLimits();
+    void alertTitleCountsSelectedFiles_data();
+    void alertTitleCountsSelectedFiles();
+    void alertMessageWarnsAboutConflicts_data();
+    void alertMessageWarnsAboutConflicts();
+    void shortcutOpensAlertWithoutRenaming();
+    void cancellingTheAlertRenamesNothing();
+    void confirmingRenamesAndShowsSuccess();
+    void failuresAreListedInTheResultSheet();
+    void overlayCoversTheWindowWhileRenaming();
+    void importButtonAddsChosenFilesAndFolders();
+    void screenshots_data();
+    void screenshots();
+
+private:
+    /// Confirms the alert that is (or is about to be) open with the button titled `title`.
+    void answerAlert(const QString &title);
+    QMessageBox *waitForAlert();
+
+    std::unique_ptr<QTemporaryDir> m_dataHome;
+    std::unique_ptr<QTemporaryDir> m_files;
+    std::unique_ptr<AppViewModel> m_vm;
+    std::unique_ptr<PresetManager> m_presets;
+    std::unique_ptr<ContentView> m_view;
+};
+
+void TestContentView::initTestCase()
+{
+    // The preset store writes its file under the data home: keep it out of the real one.
+    m_dataHome = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_dataHome->isValid());
+    qputenv("XDG_DATA_HOME", m_dataHome->path().toUtf8());
+}
+
+void TestContentView::init()
+{
+    m_files = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_files->isValid());
+    m_vm = std::make_unique<AppViewModel>();
+    m_presets = std::make_unique<PresetManager>();
+    m_view = std::make_unique<ContentView>(m_vm.get(), m_presets.get());
+    m_view->resize(1200, 760);
+    m_view->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_view.get()));
+}
+
+void TestContentView::cleanup()
+{
+    // A sheet left open by a failed check must not leak into the next test.
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        if (auto *dialog = qobject_cast<QDialog *>(window); dialog && dialog->isVisible())
+            dialog->reject();
+    }
+    m_view.reset();
+    m_presets.reset();
+    QTRY_VERIFY(!m_vm->isRenaming());
+    m_vm.reset();
+    m_files.reset();
+}
+
+QMessageBox *TestContentView::waitForAlert()
+{
+    QMessageBox *alert = nullptr;
+    [&] {
+        QTRY_VERIFY((alert = uitest::visibleTopLevel<QMessageBox>(u"renameConfirmAlert"_s)));
+    }();
+    return alert;
+}
+
+void TestContentView::answerAlert(const QString &title)
+{
+    QMessageBox *alert = waitForAlert();
+    QVERIFY(alert);
+    const QList<QAbstractButton *> buttons = alert->buttons();
+    const auto button = std::find_if(buttons.cbegin(), buttons.cend(), [&](QAbstractButton *candidate) {
+        return candidate->text() == title;
+    });
+    QVERIFY(button != buttons.cend());
+    QTest::mouseClick(*button, Qt::LeftButton);
+}
+
+void TestContentView::countersAppearWithFiles()
+{
+    auto *counters = m_view->findChild<QWidget *>(u"counters"_s);
+    QVERIFY(counters);
+    QVERIFY(!counters->isVisible());
+
+    m_vm->addFiles(uitest::createFiles(*m_files, {u"a.txt"_s, u"b.txt"_s, u"c.txt"_s}));
+    QVERIFY(counters->isVisible());
+    QCOMPARE(labelText(m_view.get(), u"filesBadgeCount"_s), u"3"_s);
+    QCOMPARE(labelText(m_view.get(), u"filesBadgeCaption"_s), u"files"_s);
+    QCOMPARE(labelText(m_view.get(), u"selectedBadgeCount"_s), u"3"_s);
+    QCOMPARE(labelText(m_view.get(), u"selectedBadgeCaption"_s), u"selected"_s);
+
+    m_vm->setFileSelected(m_vm->files().constFirst().id, false);
+    QCOMPARE(labelText(m_view.get(), u"selectedBadgeCount"_s), u"2"_s);
+
+    m_vm->removeFiles({m_vm->files().at(0), m_vm->files().at(1)});
+    QCOMPARE(labelText(m_view.get(), u"filesBadgeCount"_s), u"1"_s);
+    QCOMPARE(labelText(m_view.get(), u"filesBadgeCaption"_s), u"file"_s);
+
+    m_vm->clearFiles();
+    QVERIFY(!counters->isVisible());
+}
+
+void TestContentView::conflictCounterShowsOnlyWithConflicts()
+{
+    auto *badge = m_view->findChild<QWidget *>(u"conflictsBadge"_s);
+    QVERIFY(badge);
+    m_vm->addFiles(uitest::createFiles(*m_files, {u"a.txt"_s, u"a.md"_s, u"a.csv"_s}));
+    QVERIFY(!badge->isVisible());
+
+    m_vm->addRule(sameExtensionRule());
+    QVERIFY(badge->isVisible());
+    QCOMPARE(labelText(m_view.get(), u"conflictsBadgeCount"_s), u"2"_s);
+    QCOMPARE(labelText(m_view.get(), u"conflictsBadgeCaption"_s), u"conflicts"_s);
+
+    m_vm->removeFiles({m_vm->files().constLast()});
+    QCOMPARE(labelText(m_view.get(), u"conflictsBadgeCount"_s), u"1"_s);
+    QCOMPARE(labelText(m_view.get(), u"conflictsBadgeCaption"_s), u"conflict"_s);
+}
+
+void TestContentView::rulePillCountsRules_data()
+{
+    QTest::addColumn<int>("ruleCount");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("no rules, no pill") << 0 << QString();
+    QTest::newRow("one rule is singular") << 1 << u"1 rule"_s;
+    QTest::newRow("three rules are plural") << 3 << u"3 rules"_s;
+}
+
+void TestContentView::rulePillCountsRules()
+{
+    QFETCH(int, ruleCount);
+    QFETCH(QString, expected);
+    for (int index = 0; index < ruleCount; ++index)
+        m_vm->addRule(prefixRule(u"x"_s));
+    auto *pill = m_view->findChild<QWidget *>(u"rulePill"_s);
+    QVERIFY(pill);
+    QCOMPARE(pill->isVisible(), !expected.isEmpty());
+    if (!expected.isEmpty())
+        QCOMPARE(labelText(m_view.get(), u"rulePillText"_s), expected);
+}
+
+void TestContentView::renameButtonEnablement_data()
+{
+    QTest::addColumn<bool>("hasSelection");
+    QTest::addColumn<bool>("ruleIsEnabled");
+    QTest::addColumn<bool>("expectedEnabled");
+    QTest::newRow("selected files and an enabled rule allow renaming") << true << true << true;
+    QTest::newRow("nothing selected disables it") << false << true << false;
+    QTest::newRow("every rule disabled disables it") << true << false << false;
+}
+
+void TestContentView::renameButtonEnablement()
+{
+    QFETCH(bool, hasSelection);
+    QFETCH(bool, ruleIsEnabled);
+    QFETCH(bool, expectedEnabled);
+    auto *button = m_view->findChild<ProminentButton *>(u"renameButton"_s);
+    QVERIFY(button);
+    QVERIFY(!button->isEnabled());
+
+    m_vm->addFiles(uitest::createFiles(*m_files, {u"a.txt"_s}));
+    if (!hasSelection)
+        m_vm->deselectAll();
+    RenameRule rule = prefixRule(u"new_"_s);
+    rule.isEnabled = ruleIsEnabled;
+    m_vm->addRule(rule);
+    QCOMPARE(button->isEnabled(), expectedEnabled);
+}
+
+void TestContentView::topBarButtonsCarryShortcutsAndTooltips()
+{
+    auto *import = m_view->findChild<QPushButton *>(u"topBarImportButton"_s);
+    auto *undo = m_view->findChild<QToolButton *>(u"undoButton"_s);
+    auto *redo = m_view->findChild<QToolButton *>(u"redoButton"_s);
+    auto *rename = m_view->findChild<ProminentButton *>(u"renameButton"_s);
+    QVERIFY(import && undo && redo && rename);
+
+    const auto hint = [](const QString &text, const QKeySequence &keys) -> QString {
+        return text + u" ("_s + keys.toString(QKeySequence::NativeText) + u')';
+    };
+    QCOMPARE(import->text(), u"Import"_s);
+    QCOMPARE(import->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_O));
+    QCOMPARE(import->toolTip(), hint(u"Import Files"_s, import->shortcut()));
+    QVERIFY(!import->icon().isNull());
+    QCOMPARE(undo->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Z));
+    QCOMPARE(undo->toolTip(), hint(u"Undo"_s, undo->shortcut()));
+    QVERIFY(!undo->icon().isNull());
+    QCOMPARE(redo->shortcut(), QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z));
+    QCOMPARE(redo->toolTip(), hint(u"Redo"_s, redo->shortcut()));
+    QVERIFY(!redo->icon().isNull());
+    QCOMPARE(rename->text(), u"Rename"_s);
+    QCOMPARE(rename->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_Return));
+    QCOMPARE(rename->toolTip(), hint(u"Rename Files"_s, rename->shortcut()));
+    QCOMPARE(rename->width(), 110);
+}
+
+void TestContentView::historyButtonsFollowTheStacks()
+{
+    auto *undo = m_view->findChild<QToolButton *>(u"undoButton"_s);
+    auto *redo = m_view->findChild<QToolButton *>(u"redoButton"_s);
+    QVERIFY(!undo->isEnabled());
+    QVERIFY(!redo->isEnabled());
+
+    m_vm->addFiles(uitest::createFiles(*m_files, {u"a.txt"_s}));
+    m_vm->addRule(prefixRule(u"new_"_s));
+    m_vm->performRename();
+    QTRY_VERIFY(!m_vm->isRenaming());
+    QVERIFY(undo->isEnabled());
+    QVERIFY(!redo->isEnabled());
+    QCOMPARE(m_vm->files().constFirst().originalName(), u"new_a.txt"_s);
+
+    QTest::mouseClick(undo, Qt::LeftButton);
+    QCOMPARE(m_vm->files().constFirst().originalName(), u"a.txt"_s);
+    QVERIFY(!undo->isEnabled());
+    QVERIFY(redo->isEnabled());
+
+    QTest::mouseClick(redo, Qt::LeftButton);
+    QCOMPARE(m_vm->files().constFirst().originalName(), u"new_a.txt"_s);
+}
+
+void TestContentView::panesHaveTheirWidthLimits()
+{
+    auto *splitter = m_view->findChild<QSplitter *>(u"mainSplitter"_s);
+    QVERIFY(splitter);
+    QCOMPARE(splitter->count(), 3);
+    QVERIFY(!splitter->childrenCollapsible());
+    const QWidget *ruleEditor = splitter->widget(0);
+    const QWidget *fileList = splitter->widget(1);
+    const QWidget *preview = splitter->widget(2);
+    QCOMPARE(ruleEditor->minimumWidth(), 260);
+    QCOMPARE(ruleEditor->maximumWidth(), 380);
+    QCOMPARE(fileList->minimumWidth(), 340);
+    QCOMPARE(fileList->maximumWidth(), QWIDGETSIZE_MAX);
+    QCOMPARE(preview->minimumWidth(), 240);
+    QCOMPARE(preview->maximumWidth(), 360);
+    // The side panes open at their ideal widths and the file list takes the rest.
+    QCOMPARE(splitter->sizes().at(0), 300);
+    QCOMPARE(splitter->sizes().at(2), 280);
+
+    // Dragging a handle far beyond a limit stops at the limit.
+    const auto drag = [](QWidget *handle, int distance) {
+        const QPoint start = handle->rect().center();
+        QTest::mousePress(handle, Qt::LeftButton, {}, start);
+        QTest::mouseMove(handle, start + QPoint(distance, 0));
+        QTest::mouseRelease(handle, Qt::LeftButton, {}, start + QPoint(distance, 0));
+    };
+    drag(splitter->handle(1), 400);
+    QCOMPARE(splitter->sizes().at(0), 380);
+    drag(splitter->handle(2), 400);
+    QCOMPARE(splitter->sizes().at(2), 240);
+    drag(splitter->handle(2), -800);
+    QCOMPARE(splitter->sizes().at(2), 360);
+    // In a narrow window the file list keeps its minimum and the side panes give way.
+    m_view->resize(900, 600);
+    QTRY_COMPARE(splitter->width(), 900);
+    QVERIFY(fileList->width() >= 340);
+    QVERIFY(ruleEditor->width() >= 260);
+    QVERIFY(preview->width() >= 240);
+}
+
+void TestContentView::alertTitleCountsSelectedFiles_data()
+{
+    QTest::addColumn<int>("selectedCount");
+    QTest::addColumn<QString>("expectedTitle");
+    QTest::newRow("no file is plural") << 0 << u"Rename 0 files?"_s;
+    QTest::newRow("one file is singular") << 1 << u"Rename 1 file?"_s;
+    QTest::newRow("two files are plural") << 2 << u"Rename 2 files?"_s;
+}
+
+void TestContentView::alertTitleCountsSelectedFiles()
+{
+    QFETCH(int, selectedCount);
+    QFETCH(QString, expectedTitle);
+    m_vm->addFiles(uitest::createFiles(*m_files, {u"a.txt"_s, u"b.txt"_s, u"c.txt"_s}));
+    m_vm->deselectAll();
+    for (int index = 0; index < selectedCount; ++index)
+        m_vm->setFileSelected(m_vm->files().at(index).id, true);
+
+    m_view->confirmRename();
+    QMessageBox *alert = waitForAlert();
+    QVERIFY(alert);
+    QVERIFY(m_view->isConfirmingRename());
+    QCOMPARE(alert->text(), expectedTitle);
+    QCOMPARE(alert->windowModality(), Qt::WindowModal);
+    answerAlert(u"Cancel"_s);
+    QTRY_VERIFY(!m_view->isConfirmingRename());
+}
+
+void TestContentView::alertMessageWarnsAboutConflicts_data()
+{
+    QTest::addColumn<QStringList>("names");
+    QTest::addColumn<QString>("expectedMessage");
+    QTest::newRow("no conflict reassures about undo") << QStringList{u"a.txt"_s,
+        u"b.md"_s} << u"This action will rename the selected files on disk. It can be undone."_s;
+    QTest::newRow("one conflict is singular")
+        << QStringList{u"a.txt"_s, u"a.md"_s} << u"Warning: 1 conflict detected. Conflicting files will be skipped."_s;
+    QTest::newRow("three conflicts are plural")
+        << QStringList{u"a.txt"_s, u"a.md"_s, u"a.csv"_s, u"a.log"_s}
+        << u"Warning: 3 conflicts detected. Conflicting files will be skipped."_s;
+}
+
+void TestContentView::alertMessageWarnsAboutConflicts()
+{
+    QFETCH(QStringList, names);
+    QFETCH(QString, expectedMessage);
+    m_vm->addFiles(uitest::createFiles(*m_files, names));
+    m_vm->addRule(sameExtensionRule());
+
+    m_view->confirmRename();
+    QMessageBox *alert = waitForAlert();
+    QVERIFY(alert);
+    QCOMPARE(alert->informativeText(), expectedMessage);
+    QStringList buttonTitles;
+    for (QAbstractButton *button : alert->buttons())
+        buttonTitles.append(button->text());
+    buttonTitles.sort();
+    QCOMPARE(buttonTitles, (QStringList{u"Cancel"_s, u"Rename"_s}));
+    QCOMPARE(alert->buttonRole(alert->escapeButton()), QMessageBox::RejectRole);
+    answerAlert(u"Cancel"_s);
+}
+
+void TestContentView::shortcutOpensAlertWithoutRenaming()
+{
+    const auto paths = uitest::createFiles(*m_files, {u"a.txt"_s});
+    m_vm->addFiles(paths);
+    m_vm->addRule(prefixRule(u"new_"_s));
+    m_view->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(m_view.get()));
+
+    QTest::keyClick(m_view.get(), Qt::Key_Return, Qt::ControlModifier);
+    QMessageBox *alert = waitForAlert();
+    QVERIFY(alert);
+    QVERIFY(!m_vm->isRenaming());
+    QVERIFY(m_vm->undoStack().isEmpty());
+    QVERIFY(std::filesystem::exists(paths.constFirst()));
+
+    // Return answers the default button, which is Cancel: the shortcut and Return together never rename.
+    QTest::keyClick(alert, Qt::Key_Return);
+    QTRY_VERIFY(!m_view->isConfirmingRename());
+    QVERIFY(m_vm->undoStack().isEmpty());
+    QVERIFY(std::filesystem::exists(paths.constFirst()));
+}
+
+void TestContentView::cancellingTheAlertRenamesNothing()
+{
+    const auto paths = uitest::createFiles(*m_files, {u"a.txt"_s});
+    m_vm->addFiles(paths);
+    m_vm->addRule(prefixRule(u"new_"_s));
+    QTest::mouseClick(m_view->findChild<ProminentButton *>(u"renameButton"_s), Qt::LeftButton);
+    answerAlert(u"Cancel"_s);
+    QTRY_VERIFY(!m_view->isConfirmingRename());
+    QVERIFY(m_vm->undoStack().isEmpty());
+    QVERIFY(!m_vm->showRenameResult());
+    QVERIFY(std::filesystem::exists(paths.constFirst()));
+}
+
+void TestContentView::confirmingRenamesAndShowsSuccess()
+{
+    const auto paths = uitest::createFiles(*m_files, {u"a.txt"_s, u"b.txt"_s});
+    m_vm->addFiles(paths);
+    m_vm->addRule(prefixRule(u"new_"_s));
+    QTest::mouseClick(m_view->findChild<ProminentButton *>(u"renameButton"_s), Qt::LeftButton);
+    answerAlert(u"Rename"_s);
+
+    RenameResultView *sheet = nullptr;
+    QTRY_VERIFY((sheet = uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s)));
+    QVERIFY(QFile::exists(m_files->filePath(u"new_a.txt"_s)));
+    QVERIFY(QFile::exists(m_files->filePath(u"new_b.txt"_s)));
+    QCOMPARE(labelText(sheet, u"resultHeading"_s), u"Rename Complete"_s);
+    QCOMPARE(labelText(sheet, u"renamedCounterNumber"_s), u"2"_s);
+    QVERIFY(!sheet->findChild<QWidget *>(u"failedCounter"_s));
+    QVERIFY(!sheet->findChild<QWidget *>(u"errorBox"_s));
+    QCOMPARE(sheet->width(), 400);
+    QCOMPARE(sheet->windowModality(), Qt::WindowModal);
+
+    QTest::mouseClick(sheet->findChild<QPushButton *>(u"doneButton"_s), Qt::LeftButton);
+    QVERIFY(!m_vm->showRenameResult());
+    QTRY_VERIFY(!uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s));
+}
+
+void TestContentView::failuresAreListedInTheResultSheet()
+{
+    m_vm->setFileMover(std::make_shared<SilentlyFailingMover>());
+    m_vm->addFiles(uitest::createFiles(*m_files, {u"a.txt"_s, u"b.txt"_s}));
+    m_vm->addRule(prefixRule(u"new_"_s));
+    m_view->confirmRename();
+    answerAlert(u"Rename"_s);
+
+    RenameResultView *sheet = nullptr;
+    QTRY_VERIFY((sheet = uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s)));
+    QCOMPARE(labelText(sheet, u"resultHeading"_s), u"Rename Completed with Errors"_s);
+    QCOMPARE(labelText(sheet, u"renamedCounterNumber"_s), u"0"_s);
+    QCOMPARE(labelText(sheet, u"failedCounterNumber"_s), u"2"_s);
+    QVERIFY(sheet->findChild<QWidget *>(u"errorBox"_s));
+    const QList<QWidget *> rows = sheet->findChildren<QWidget *>(u"errorRow"_s);
+    QCOMPARE(rows.size(), 2);
+    QCOMPARE(labelText(rows.at(0), u"errorName"_s), u"a.txt"_s);
+    QCOMPARE(labelText(rows.at(1), u"errorName"_s), u"b.txt"_s);
+    QCOMPARE(labelText(rows.at(0), u"errorReason"_s), u"Unknown error"_s);
+
+    // Escape closes the sheet like Done, and the flag follows.
+    QTest::keyClick(sheet, Qt::Key_Escape);
+    QTRY_VERIFY(!m_vm->showRenameResult());
+}
+
+void TestContentView::overlayCoversTheWindowWhileRenaming()
+{
+    auto mover = std::make_shared<uitest::BlockingFileMover>();
+    const auto releaseOnExit = qScopeGuard([&] { mover->release(); });
+    m_vm->setFileMover(mover);
+    m_vm->addFiles(uitest::createFiles(*m_files, {u"a.txt"_s}));
+    m_vm->addRule(prefixRule(u"new_"_s));
+    auto *overlay = m_view->findChild<ProgressOverlayView *>(u"progressOverlay"_s);
+    auto *button = m_view->findChild<ProminentButton *>(u"renameButton"_s);
+    QVERIFY(overlay);
+    QVERIFY(!overlay->isVisible());
+
+    m_view->confirmRename();
+    answerAlert(u"Rename"_s);
+    QTRY_VERIFY(m_vm->isRenaming());
+    QVERIFY(overlay->isVisible());
+    QCOMPARE(overlay->geometry(), m_view->rect());
+    QCOMPARE(labelText(overlay, u"progressLabel"_s), u"Renaming files..."_s);
+    QVERIFY(!m_view->findChild<QWidget *>(u"contentBody"_s)->isEnabled());
+    QVERIFY(button->isBusy());
+    QCOMPARE(button->text(), u"Renaming..."_s);
+    QVERIFY(!button->isEnabled());
+    uitest::saveScreenshot(m_view.get(), u"window-renaming"_s);
+
+    // A click on a control under the overlay reaches the overlay, not the control.
+    QCOMPARE(m_view->childAt(m_view->findChild<QWidget *>(u"undoButton"_s)->mapTo(m_view.get(), QPoint(4, 4))),
+        overlay);
+
+    mover->release();
+    QTRY_VERIFY(!m_vm->isRenaming());
+    QVERIFY(!overlay->isVisible());
+    QVERIFY(!button->isBusy());
+    QCOMPARE(button->text(), u"Rename"_s);
+    QTRY_VERIFY(uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s));
+}
+
+void TestContentView::importButtonAddsChosenFilesAndFolders()
+{
+    uitest::createFiles(*m_files, {u"a.txt"_s, u"b.txt"_s});
+    QVERIFY(QDir(m_files->path()).mkdir(u"folder"_s));
+    bool wasAnswered = false;
+    uitest::answerWhenShown<QFileDialog>(QString(DialogPanelProvider::openPanelName), [&](QFileDialog *dialog) {
+        const auto closeOnExit = qScopeGuard([dialog] {
+            if (dialog->isVisible())
+                dialog->reject();
+        });
+        QCOMPARE(dialog->windowTitle(), u"Add Files & Folders"_s);
+        dialog->setDirectory(m_files->path());
+        // The dialog lists a folder in the background; choose once the listing is there.
+        auto *listing = dialog->findChild<QFileSystemModel *>();
+        QVERIFY(listing);
+        QTRY_COMPARE(listing->rowCount(listing->index(m_files->path())), 3);
+        // Select a file and a folder in the list, as a user does with Ctrl and a click.
+        auto *list = dialog->findChild<QListView *>(u"listView"_s);
+        QVERIFY(list);
+        for (const QString &name : {u"a.txt"_s, u"folder"_s})
+            list->selectionModel()->select(listing->index(m_files->filePath(name)),
+                QItemSelectionModel::Select | QItemSelectionModel::Rows);
+        QMetaObject::invokeMethod(dialog, "accept");
+        wasAnswered = dialog->result() == QDialog::Accepted;
+    });
+    QTest::mouseClick(m_view->findChild<QPushButton *>(u"topBarImportButton"_s), Qt::LeftButton);
+    QVERIFY(wasAnswered);
+
+    QStringList names;
+    for (const FileItem &item : m_vm->files())
+        names.append(item.originalName());
+    QCOMPARE(names, (QStringList{u"a.txt"_s, u"folder"_s}));
+    QVERIFY(m_vm->files().at(1).isDirectory);
+}
+
+void TestContentView::screenshots_data()
+{
+    QTest::addColumn<bool>("isDark");
+    QTest::newRow("light") << false;
+    QTest::newRow("dark") << true;
+}
+
+void TestContentView::screenshots()
+{
+    QFETCH(bool, isDark);
+    if (qEnvironmentVariableIsEmpty("QUILLFERN_SCREENSHOTS"))
+        QSKIP("set QUILLFERN_SCREENSHOTS to a folder to save pictures of the window");
+    const QPalette original = QApplication::palette();
+    const auto restorePalette = qScopeGuard([&] { QApplication::setPalette(original); });
+    if (isDark)
+        QApplication::setPalette(uitest::darkPalette());
+    // The window takes a new application palette on its next turn of the event loop.
+    QTRY_COMPARE(m_view->palette().color(QPalette::Window), QApplication::palette().color(QPalette::Window));
+    const QString suffix = isDark ? u"-dark"_s : u"-light"_s;
+
+    uitest::saveScreenshot(m_view.get(), u"window-empty"_s + suffix);
+    m_vm->addFiles(uitest::createFiles(*m_files,
+        {u"holiday photo.jpg"_s,
+            u"holiday photo.png"_s,
+            u"notes.txt"_s,
+            u"report final.pdf"_s,
+            u"report draft.pdf"_s}));
+    m_vm->addRule(prefixRule(u"2026_"_s));
+    m_vm->addRule(sameExtensionRule());
+    uitest::saveScreenshot(m_view.get(), u"window-files-rules"_s + suffix);
+
+    m_view->confirmRename();
+    QMessageBox *alert = waitForAlert();
+    QVERIFY(alert);
+    uitest::saveScreenshot(alert, u"alert"_s + suffix);
+    answerAlert(u"Rename"_s);
+    RenameResultView *sheet = nullptr;
+    QTRY_VERIFY((sheet = uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s)));
+    uitest::saveScreenshot(sheet, u"result-some-failed"_s + suffix);
+    m_vm->setShowRenameResult(false);
+
+    m_vm->setFileMover(std::make_shared<SilentlyFailingMover>());
+    m_vm->deselectAll();
+    m_vm->setFileSelected(m_vm->files().constFirst().id, true);
+    m_vm->removeRule({1});
+    m_view->confirmRename();
+    answerAlert(u"Rename"_s);
+    QTRY_VERIFY((sheet = uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s)));
+    uitest::saveScreenshot(sheet, u"result-failed"_s + suffix);
+    m_vm->setShowRenameResult(false);
+
+    m_vm->setFileMover(std::make_shared<SystemFileMover>());
+    m_view->confirmRename();
+    answerAlert(u"Rename"_s);
+    QTRY_VERIFY((sheet = uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s)));
+    uitest::saveScreenshot(sheet, u"result-success"_s + suffix);
+    uitest::saveScreenshot(m_view.get(), u"window-after-rename"_s + suffix);
+}
+
+QTEST_MAIN(TestContentView)
+#include "tst_contentview.moc"
