@@ -201,7 +201,7 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QLi
             result = failure(source, destination, reason);
         else
             result = renameOne(source, std::move(destination), mover);
-        if (result.success)
+        if (result.success && file.isDirectory)
             moved.record(file.url, result.newURL);
         // The result names the item as it was listed, so the caller can find it.
         result.originalURL = file.url;

@@ -346,12 +346,13 @@ void AppViewModel::completeRename(const QList<RenameResult> &results)
     for (const RenameResult &result : results) {
         if (!result.success)
             continue;
-        moved.record(result.originalURL, result.newURL);
         const auto found = positions.find(result.originalURL.native());
         if (found == positions.end() || found->second.empty())
             continue;
         const qsizetype index = found->second.front();
         found->second.pop_front();
+        if (files[index].isDirectory)
+            moved.record(result.originalURL, result.newURL);
         files[index] = FileItem(result.newURL);
         isReplaced[std::size_t(index)] = true;
     }
