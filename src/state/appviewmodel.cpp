@@ -61,13 +61,13 @@ void AppViewModel::setShowRenameResult(bool show)
 
 void AppViewModel::setSortOrder(SortOrder order)
 {
-    invalidateFilteredOrder();
+    invalidateFilteredFiles();
     assign(this, m_sortOrder, order, &AppViewModel::sortOrderChanged);
 }
 
 void AppViewModel::setFilterText(const QString &text)
 {
-    invalidateFilteredOrder();
+    invalidateFilteredFiles();
     assign(this, m_filterText, text, &AppViewModel::filterTextChanged);
 }
 
@@ -78,13 +78,13 @@ void AppViewModel::setIncludeSubfolders(bool include)
 
 void AppViewModel::setShowOnlyFiles(bool only)
 {
-    invalidateFilteredOrder();
+    invalidateFilteredFiles();
     assign(this, m_showOnlyFiles, only, &AppViewModel::showOnlyFilesChanged);
 }
 
 void AppViewModel::setShowOnlyFolders(bool only)
 {
-    invalidateFilteredOrder();
+    invalidateFilteredFiles();
     assign(this, m_showOnlyFolders, only, &AppViewModel::showOnlyFoldersChanged);
 }
 
@@ -115,13 +115,14 @@ void AppViewModel::setFileSelected(const QUuid &id, bool selected)
     if (item == m_files.end() || item->isSelected == selected)
         return;
     item->isSelected = selected;
+    invalidateFilteredFiles();
     Q_EMIT filesChanged();
 }
 
 void AppViewModel::setFiles(QList<FileItem> files)
 {
     m_files = std::move(files);
-    invalidateFilteredOrder();
+    invalidateFilteredFiles();
     Q_EMIT filesChanged();
 }
 
@@ -133,21 +134,23 @@ void AppViewModel::setRules(QList<RenameRule> rules)
 
 QList<FileItem> AppViewModel::filteredFiles() const
 {
+    if (m_filteredFiles)
+        return *m_filteredFiles;
     const FileListFilter filter{m_filterText, m_showOnlyFiles, m_showOnlyFolders, m_sortOrder};
-    // Sorting by name collates every name; with the order kept, a rule change does not pay for that again.
-    const QList<qsizetype> order = m_filteredOrder ? *m_filteredOrder : filter.positions(m_files);
-    if (!filter.readsFileSystem())
-        m_filteredOrder = order;
     QList<FileItem> items;
+    const QList<qsizetype> order = filter.positions(m_files);
     items.reserve(order.size());
     for (qsizetype position : order)
         items.append(m_files[position]);
+    // Sorting by name collates every name; with the list kept, a rule change does not pay for that again.
+    if (!filter.readsFileSystem())
+        m_filteredFiles = items;
     return items;
 }
 
-void AppViewModel::invalidateFilteredOrder()
+void AppViewModel::invalidateFilteredFiles()
 {
-    m_filteredOrder.reset();
+    m_filteredFiles.reset();
 }
 
 qsizetype AppViewModel::selectedCount() const
@@ -185,8 +188,11 @@ void AppViewModel::addFiles(const QList<fs::path> &locations)
         else
             addIfNew(location, isDirectory);
     }
-    if (!added.isEmpty())
-        setFiles(m_files + added);
+    if (!added.isEmpty()) {
+        QList<FileItem> files = m_files;
+        files.append(std::move(added));
+        setFiles(std::move(files));
+    }
     updatePreviews();
 }
 
@@ -218,6 +224,7 @@ void AppViewModel::selectAll()
 {
     for (FileItem &item : m_files)
         item.isSelected = true;
+    invalidateFilteredFiles();
     Q_EMIT filesChanged();
 }
 
@@ -225,6 +232,7 @@ void AppViewModel::deselectAll()
 {
     for (FileItem &item : m_files)
         item.isSelected = false;
+    invalidateFilteredFiles();
     Q_EMIT filesChanged();
 }
 
@@ -232,6 +240,7 @@ void AppViewModel::invertSelection()
 {
     for (FileItem &item : m_files)
         item.isSelected = !item.isSelected;
+    invalidateFilteredFiles();
     Q_EMIT filesChanged();
 }
 

@@ -179,8 +179,8 @@ private:
     void setFiles(QList<FileItem> files);
     void setRules(QList<RenameRule> rules);
     void completeRename(const QList<RenameResult> &results);
-    /// Forgets the cached order of filteredFiles; called whenever the list or a filter or sort setting changes.
-    void invalidateFilteredOrder();
+    /// Forgets the cached filteredFiles; called whenever an item, the list or a filter or sort setting changes.
+    void invalidateFilteredFiles();
 
     QList<FileItem> m_files;
     QList<RenameRule> m_rules;
@@ -204,9 +204,9 @@ private:
     std::shared_ptr<FileMover> m_fileMover;
     /// Cleared when the object is destroyed, so a rename task that has not started yet stops.
     std::shared_ptr<std::atomic_bool> m_isAlive;
-    /// Positions in m_files of filteredFiles, kept while neither the list nor the settings change. Orders that
-    /// read dates or sizes are never kept: the file system may have changed.
-    mutable std::optional<QList<qsizetype>> m_filteredOrder;
+    /// filteredFiles, kept while neither the items nor the settings change. Orders that read dates or sizes are
+    /// never kept: the file system may have changed.
+    mutable std::optional<QList<FileItem>> m_filteredFiles;
 };
 
 template<>

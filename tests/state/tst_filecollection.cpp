@@ -306,13 +306,20 @@ void TestFileCollection::deselectAndInvert()
     TestFiles files;
     AppViewModel vm;
     vm.addFiles({files.file(u"a.txt"_s), files.file(u"b.txt"_s), files.file(u"c.txt"_s)});
+    QVERIFY(vm.filteredFiles()[1].isSelected);
     vm.setFileSelected(vm.files()[1].id, false);
     QCOMPARE(vm.selectedCount(), 2);
+    QVERIFY(!vm.filteredFiles()[1].isSelected); // the filtered list shows every selection change
     vm.invertSelection();
     QCOMPARE(vm.selectedCount(), 1);
     QVERIFY(vm.files()[1].isSelected);
+    QVERIFY(vm.filteredFiles()[1].isSelected);
+    QVERIFY(!vm.filteredFiles()[0].isSelected);
     vm.deselectAll();
     QCOMPARE(vm.selectedCount(), 0);
+    QVERIFY(!vm.filteredFiles()[1].isSelected);
+    vm.selectAll();
+    QVERIFY(vm.filteredFiles()[0].isSelected);
 }
 
 void TestFileCollection::removeFilesById()
