@@ -102,8 +102,11 @@ int main(int argc, char *argv[])
     vm.loadPreset(Preset(u"bench"_s, rules));
     const double previewMilliseconds = medianMilliseconds(5, [&] { vm.updatePreviews(); });
 
-    vm.setFilterText(u"photo"_s);
-    const double filterNameMilliseconds = medianMilliseconds(5, [&] { (void)vm.filteredFiles(); });
+    // Setting the filter text forgets the kept list, so each run filters and collates afresh.
+    const double filterNameMilliseconds = medianMilliseconds(5, [&] {
+        vm.setFilterText(u"photo"_s);
+        (void)vm.filteredFiles();
+    });
     vm.setFilterText({});
     vm.setSortOrder(AppViewModel::SortOrder::Size);
     const double sizeMilliseconds = medianMilliseconds(3, [&] { (void)vm.filteredFiles(); });

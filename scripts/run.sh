@@ -5,5 +5,5 @@ cd "$(dirname "$0")/.."
 
 scripts/setup.sh
 cmake -S . -B build/release -G Ninja -DCMAKE_BUILD_TYPE=Release
-cmake --build build/release --parallel "$(nproc)" --target quillfern
+cmake --build build/release --parallel "$(nproc)" --target quillfern quillfern-cli
 exec build/release/src/app/quillfern "$@"

@@ -1,5 +1,5 @@
+#include "../state/fakepanelprovider.h"
 #include "model/nativepath.h"
-#include "recordingpanelprovider.h"
 #include "state/appviewmodel.h"
 #include "ui/actionmenu.h"
 #include "ui/dropzoneview.h"
@@ -7,6 +7,7 @@
 #include "ui/filemanagerreveal.h"
 #include "ui/filetablemodel.h"
 #include "ui/panelabel.h"
+#include "uitesthelpers.h"
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
@@ -21,7 +22,6 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
-#include <QStyleFactory>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
@@ -441,7 +441,7 @@ void TestFileListView::importAndBrowseOpenThePanel_data()
 void TestFileListView::importAndBrowseOpenThePanel()
 {
     QFETCH(QString, button);
-    RecordingPanelProvider panels;
+    FakePanelProvider panels;
     panels.openAnswer = QList<fs::path>{create(*m_dir, u"chosen.txt"_s)};
     m_vm->setPanelProvider(&panels);
     QTest::mouseClick(child<QPushButton>(m_view.get(), button), Qt::LeftButton);
@@ -653,18 +653,7 @@ void TestFileListView::screenshots()
         QSKIP("set QUILLFERN_SCREENSHOTS to a folder to save screenshots");
     QDir().mkpath(folder);
     const QPalette light = QApplication::palette();
-    QPalette dark = QStyleFactory::create(u"Fusion"_s)->standardPalette();
-    for (auto [role, color] : {std::pair{QPalette::Window, QColor(0x1e, 0x1e, 0x1e)},
-             {QPalette::WindowText, QColor(0xe8, 0xe8, 0xe8)},
-             {QPalette::Base, QColor(0x28, 0x28, 0x28)},
-             {QPalette::AlternateBase, QColor(0x2e, 0x2e, 0x2e)},
-             {QPalette::Text, QColor(0xe8, 0xe8, 0xe8)},
-             {QPalette::Button, QColor(0x33, 0x33, 0x33)},
-             {QPalette::ButtonText, QColor(0xe8, 0xe8, 0xe8)},
-             {QPalette::Highlight, QColor(0x2f, 0x5f, 0xb3)},
-             {QPalette::HighlightedText, QColor(0xff, 0xff, 0xff)},
-             {QPalette::PlaceholderText, QColor(0x8a, 0x8a, 0x8a)}})
-        dark.setColor(role, color);
+    const QPalette dark = uitest::darkPalette();
 
     for (const auto &[appearance, palette] : {std::pair{u"light"_s, light}, {u"dark"_s, dark}}) {
         QApplication::setPalette(palette);

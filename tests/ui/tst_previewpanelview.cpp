@@ -1,5 +1,5 @@
+#include "../state/fakepanelprovider.h"
 #include "model/nativepath.h"
-#include "recordingpanelprovider.h"
 #include "state/appviewmodel.h"
 #include "ui/appcolors.h"
 #include "ui/appfonts.h"
@@ -7,6 +7,7 @@
 #include "ui/previewlistmodel.h"
 #include "ui/previewpanelview.h"
 #include "ui/previewrowview.h"
+#include "uitesthelpers.h"
 
 #include <QAbstractItemModelTester>
 #include <QApplication>
@@ -15,7 +16,6 @@
 #include <QHoverEvent>
 #include <QListView>
 #include <QStackedWidget>
-#include <QStyleFactory>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolButton>
@@ -296,7 +296,7 @@ void TestPreviewPanelView::exportAsksForCsvLocation()
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
     const QString target = dir.filePath(u"rename_preview.csv"_s);
-    RecordingPanelProvider panels;
+    FakePanelProvider panels;
     if (confirmed)
         panels.saveAnswer = nativepath::fromText(target);
     m_vm->setPanelProvider(&panels);
@@ -337,14 +337,7 @@ void TestPreviewPanelView::screenshots()
         QSKIP("set QUILLFERN_SCREENSHOTS to a folder to save screenshots");
     QDir().mkpath(folder);
     const QPalette light = QApplication::palette();
-    QPalette dark = QStyleFactory::create(u"Fusion"_s)->standardPalette();
-    for (auto [role, color] : {std::pair{QPalette::Window, QColor(0x1e, 0x1e, 0x1e)},
-             {QPalette::WindowText, QColor(0xe8, 0xe8, 0xe8)},
-             {QPalette::Base, QColor(0x28, 0x28, 0x28)},
-             {QPalette::Text, QColor(0xe8, 0xe8, 0xe8)},
-             {QPalette::Button, QColor(0x33, 0x33, 0x33)},
-             {QPalette::ButtonText, QColor(0xe8, 0xe8, 0xe8)}})
-        dark.setColor(role, color);
+    const QPalette dark = uitest::darkPalette();
 
     for (const auto &[appearance, palette] : {std::pair{u"light"_s, light}, {u"dark"_s, dark}}) {
         QApplication::setPalette(palette);
