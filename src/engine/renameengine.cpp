@@ -204,7 +204,8 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QLi
         if (result.success && file.isDirectory)
             moved.record(file.url, result.newURL);
         // The result names the item as it was listed, so the caller can find it.
-        result.originalURL = file.url;
+        if (source != file.url)
+            result.originalURL = file.url;
         results.append(std::move(result));
     }
     return results;
