@@ -1,8 +1,10 @@
 #pragma once
 
 #include <QString>
+#include <QUrl>
 
 #include <filesystem>
+#include <optional>
 
 namespace quillfern {
 
@@ -15,6 +17,10 @@ QString toText(const std::filesystem::path &path);
 
 /// The native path for a text (UTF-8 bytes on POSIX).
 std::filesystem::path fromText(const QString &text);
+
+/// The native path of a local file URL, bytes that are not valid UTF-8 included (from their percent-encoded
+/// form); none for a URL that is not a local file.
+std::optional<std::filesystem::path> fromLocalFileUrl(const QUrl &url);
 
 /// The path without trailing separators, so its last component is the item's name ("a/b/" names "b").
 std::filesystem::path withoutTrailingSeparator(std::filesystem::path path);

@@ -57,9 +57,8 @@ QList<std::filesystem::path> droppedLocations(const QMimeData *mimeData)
 {
     QList<std::filesystem::path> locations;
     for (const QUrl &url : mimeData->urls()) {
-        const QString path = url.toLocalFile();
-        if (!path.isEmpty())
-            locations.append(nativepath::fromText(path));
+        if (const auto location = nativepath::fromLocalFileUrl(url))
+            locations.append(*location);
     }
     return locations;
 }

@@ -26,6 +26,7 @@ private Q_SLOTS:
     void creationProbesTheFileSystem();
     void itemsForOneUrlAreDistinct();
     void keepsNamesThatAreNotUtf8();
+    void fileUrlsKeepTheirBytes();
     void formatsByteCounts_data();
     void formatsByteCounts();
     void showsSizeAndDateOrADash();
@@ -121,6 +122,20 @@ void TestFileItem::keepsNamesThatAreNotUtf8()
     QCOMPARE(item.url.filename().native(), std::string("caf\xe9 menu.txt"));
     QCOMPARE(item.fileSizeString(), u"1 byte"_s);
     QVERIFY(fs::exists(item.url));
+    // QTemporaryDir cannot remove a name it cannot decode.
+    fs::remove(location);
+#endif
+}
+
+void TestFileItem::fileUrlsKeepTheirBytes()
+{
+    QCOMPARE(nativepath::fromLocalFileUrl(QUrl(u"https://example.org/a.txt"_s)), std::nullopt);
+    QCOMPARE(nativepath::fromLocalFileUrl(QUrl::fromLocalFile(u"/tmp/caf\u00e9 1.txt"_s)),
+             std::optional(nativepath::fromText(u"/tmp/caf\u00e9 1.txt"_s)));
+#ifndef Q_OS_WIN
+    const auto raw = nativepath::fromLocalFileUrl(QUrl::fromEncoded("file:///tmp/caf%E9%20menu.txt"));
+    QVERIFY(raw);
+    QCOMPARE(raw->native(), std::string("/tmp/caf\xe9 menu.txt"));
 #endif
 }
 

@@ -25,6 +25,8 @@
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include <fstream>
 #include <QToolButton>
 
 using namespace quillfern;
@@ -122,6 +124,7 @@ private Q_SLOTS:
     void dropZoneShowsOnlyWhileListIsEmpty();
     void droppedFilesAreAdded_data();
     void droppedFilesAreAdded();
+    void droppedNameThatIsNotUtf8KeepsItsBytes();
     void dropWithoutUsableUrlAddsNothing_data();
     void dropWithoutUsableUrlAddsNothing();
     void dragHighlightsUntilItLeaves();
@@ -492,6 +495,24 @@ void TestFileListView::droppedFilesAreAdded()
     QVERIFY(m_vm->files().last().isDirectory);
     QVERIFY(!m_view->isDropTargeted());
     QVERIFY(table()->isVisible());
+}
+
+void TestFileListView::droppedNameThatIsNotUtf8KeepsItsBytes()
+{
+#ifdef Q_OS_WIN
+    QSKIP("Windows names are UTF-16");
+#else
+    const std::string folder = QFile::encodeName(m_dir->path()).toStdString();
+    std::ofstream(folder + "/caf\xe9.txt") << "x";
+    const QByteArray encodedFolder = QUrl::fromLocalFile(m_dir->path()).toEncoded();
+    std::unique_ptr<QMimeData> data(urlData({QUrl::fromEncoded(encodedFolder + "/caf%E9.txt")}));
+    drop(child<DropZoneView>(m_view.get(), u"dropZone"_s), data.get());
+    QCOMPARE(m_vm->files().size(), 1);
+    QCOMPARE(m_vm->files().first().url.native(), folder + "/caf\xe9.txt");
+    QVERIFY(fs::exists(m_vm->files().first().url));
+    // QTemporaryDir cannot remove a name it cannot decode.
+    fs::remove(m_vm->files().first().url);
+#endif
 }
 
 void TestFileListView::dropWithoutUsableUrlAddsNothing_data()
