@@ -2,6 +2,7 @@
 
 #include "cli/previewprinter.h"
 #include "engine/renameengine.h"
+#include "model/counting.h"
 #include "parser/naturallanguageparser.h"
 #include "presets/presetmanager.h"
 #include "state/appviewmodel.h"

@@ -1,5 +1,6 @@
 #include "cli/previewprinter.h"
 
+#include "model/counting.h"
 #include "model/nativepath.h"
 
 #include <QJsonArray>
@@ -31,11 +32,6 @@ QString jsonText(const QJsonArray &array)
 }
 
 } // namespace
-
-QString counted(qsizetype count, const QString &noun)
-{
-    return QString::number(count) + u' ' + noun + (count == 1 ? QString() : u"s"_s);
-}
 
 QString PreviewPrinter::summary(const QList<PreviewEntry> &previews)
 {

@@ -30,7 +30,4 @@ public:
     [[nodiscard]] static QString resultSummary(const QList<RenameResult> &results);
 };
 
-/// "1 file", "2 files": a count and a noun with a plural "s" unless the count is 1.
-QString counted(qsizetype count, const QString &noun);
-
 } // namespace quillfern

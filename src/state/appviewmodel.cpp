@@ -220,28 +220,27 @@ void AppViewModel::clearFiles()
 
 // The selection operations write every item and announce the list once: one signal per item would make a
 // large list crawl, and observers only need the final state.
-void AppViewModel::selectAll()
+void AppViewModel::changeEverySelection(bool (*change)(bool isSelected))
 {
     for (FileItem &item : m_files)
-        item.isSelected = true;
+        item.isSelected = change(item.isSelected);
     invalidateFilteredFiles();
     Q_EMIT filesChanged();
+}
+
+void AppViewModel::selectAll()
+{
+    changeEverySelection([](bool) { return true; });
 }
 
 void AppViewModel::deselectAll()
 {
-    for (FileItem &item : m_files)
-        item.isSelected = false;
-    invalidateFilteredFiles();
-    Q_EMIT filesChanged();
+    changeEverySelection([](bool) { return false; });
 }
 
 void AppViewModel::invertSelection()
 {
-    for (FileItem &item : m_files)
-        item.isSelected = !item.isSelected;
-    invalidateFilteredFiles();
-    Q_EMIT filesChanged();
+    changeEverySelection([](bool isSelected) { return !isSelected; });
 }
 
 void AppViewModel::selectFiles()
@@ -381,28 +380,29 @@ void AppViewModel::completeRename(const QList<RenameResult> &results)
     updatePreviews();
 }
 
-void AppViewModel::undoRename()
+void AppViewModel::restoreSnapshot(SnapshotStack from, SnapshotStack to)
 {
-    if (m_undoStack.isEmpty())
+    QList<QList<FileItem>> &source = this->*from.stack;
+    if (source.isEmpty())
         return;
-    QList<FileItem> snapshot = m_undoStack.takeLast();
-    Q_EMIT undoStackChanged();
-    m_redoStack.append(m_files);
-    Q_EMIT redoStackChanged();
+    QList<FileItem> snapshot = source.takeLast();
+    Q_EMIT(this->*from.changed)();
+    (this->*to.stack).append(m_files);
+    Q_EMIT(this->*to.changed)();
     setFiles(std::move(snapshot));
     updatePreviews();
 }
 
+void AppViewModel::undoRename()
+{
+    restoreSnapshot({&AppViewModel::m_undoStack, &AppViewModel::undoStackChanged},
+        {&AppViewModel::m_redoStack, &AppViewModel::redoStackChanged});
+}
+
 void AppViewModel::redoRename()
 {
-    if (m_redoStack.isEmpty())
-        return;
-    QList<FileItem> snapshot = m_redoStack.takeLast();
-    Q_EMIT redoStackChanged();
-    m_undoStack.append(m_files);
-    Q_EMIT undoStackChanged();
-    setFiles(std::move(snapshot));
-    updatePreviews();
+    restoreSnapshot({&AppViewModel::m_redoStack, &AppViewModel::redoStackChanged},
+        {&AppViewModel::m_undoStack, &AppViewModel::undoStackChanged});
 }
 
 QString AppViewModel::exportCSV() const

@@ -179,6 +179,18 @@ private:
     void setFiles(QList<FileItem> files);
     void setRules(QList<RenameRule> rules);
     void completeRename(const QList<RenameResult> &results);
+    /// Sets every item's isSelected to `change` of its current value and announces the list once.
+    void changeEverySelection(bool (*change)(bool isSelected));
+
+    /// One of the two snapshot stacks and its change signal.
+    struct SnapshotStack
+    {
+        QList<QList<FileItem>> AppViewModel::*stack;
+        void (AppViewModel::*changed)();
+    };
+    /// Undo and redo alike: pops the top of `from` (nothing when empty), pushes the current list onto `to`,
+    /// restores the popped list and refreshes the previews.
+    void restoreSnapshot(SnapshotStack from, SnapshotStack to);
     /// Forgets the cached filteredFiles; called whenever an item, the list or a filter or sort setting changes.
     void invalidateFilteredFiles();
 

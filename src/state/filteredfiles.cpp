@@ -86,20 +86,15 @@ QList<qsizetype>
 sortedPositions(const QList<FileItem> &files, QList<qsizetype> positions, AppViewModel::SortOrder order)
 {
     switch (order) {
-    case AppViewModel::SortOrder::Name: {
-        const CollationKeys collation;
-        return stablySorted<std::string>(
-            files,
-            std::move(positions),
-            [&](const FileItem &item) { return collation.keyOf(item.originalName()); },
-            std::less<>());
-    }
+    case AppViewModel::SortOrder::Name:
     case AppViewModel::SortOrder::Type: {
+        // Both compare text in the user's locale: the full name, or the extension (an empty one first).
         const CollationKeys collation;
+        const bool byName = order == AppViewModel::SortOrder::Name;
         return stablySorted<std::string>(
             files,
             std::move(positions),
-            [&](const FileItem &item) { return collation.keyOf(item.fileExtension()); },
+            [&](const FileItem &item) { return collation.keyOf(byName ? item.originalName() : item.fileExtension()); },
             std::less<>());
     }
     case AppViewModel::SortOrder::Date:

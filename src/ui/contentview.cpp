@@ -1,5 +1,6 @@
 #include "ui/contentview.h"
 
+#include "model/counting.h"
 #include "state/appviewmodel.h"
 #include "ui/appcolors.h"
 #include "ui/appfonts.h"
@@ -53,18 +54,6 @@ constexpr int pillSpacing = 4;
 constexpr int pillVerticalPadding = 3;
 constexpr int alertIconSize = 64;
 constexpr int alertMessageWidth = 320;
-
-/// "file" for one, "files" for any other count.
-QString plural(qsizetype count, QStringView noun)
-{
-    return noun + (count == 1 ? QString() : u"s"_s);
-}
-
-/// "1 file", "2 files", "0 files".
-QString counted(qsizetype count, QStringView noun)
-{
-    return QString::number(count) + u' ' + plural(count, noun);
-}
 
 /// A tooltip naming its shortcut as the platform writes it: "Undo (Ctrl+Z)", or "Undo (⌘Z)" on macOS.
 QString withShortcut(const QString &text, const QKeySequence &shortcut)

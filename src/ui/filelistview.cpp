@@ -1,5 +1,6 @@
 #include "ui/filelistview.h"
 
+#include "model/counting.h"
 #include "model/nativepath.h"
 #include "state/appviewmodel.h"
 #include "ui/actionmenu.h"
@@ -46,11 +47,6 @@ constexpr int nameColumnMinimumWidth = 120;
 constexpr int sizeColumnWidth = 70;
 constexpr int modifiedColumnWidth = 120;
 constexpr int typeColumnWidth = 60;
-
-QString plural(qsizetype count, const QString &word)
-{
-    return QString::number(count) + u' ' + word + (count == 1 ? QString() : u"s"_s);
-}
 
 /// The local files among dropped URLs; other URLs are skipped.
 QList<std::filesystem::path> droppedLocations(const QMimeData *mimeData)
@@ -427,9 +423,9 @@ void FileListView::updateContent()
 void FileListView::updateStatus()
 {
     m_statusLabel->setText(
-        plural(m_vm->files().size(), u"file"_s) + u" · "_s + QString::number(m_vm->selectedCount()) + u" selected"_s);
+        counted(m_vm->files().size(), u"file") + u" · "_s + QString::number(m_vm->selectedCount()) + u" selected"_s);
     const qsizetype conflicts = m_vm->conflictCount();
-    m_conflictLabel->setText(plural(conflicts, u"conflict"_s));
+    m_conflictLabel->setText(counted(conflicts, u"conflict"));
     m_conflictLabel->setVisible(conflicts > 0);
 }
 

@@ -1,5 +1,6 @@
 #include "ui/loadpresetsheet.h"
 
+#include "model/counting.h"
 #include "presets/presetmanager.h"
 #include "state/appviewmodel.h"
 #include "ui/appcolors.h"
@@ -22,11 +23,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int symbolSize = 18;
-
-QString ruleCountText(qsizetype count)
-{
-    return QString::number(count) + (count == 1 ? u" rule"_s : u" rules"_s);
-}
 
 } // namespace
 
@@ -95,7 +91,7 @@ QWidget *LoadPresetSheet::makeRow(const Preset &preset, QWidget *parent)
     auto *name = new QLabel(preset.name, row);
     name->setObjectName(u"presetName"_s);
     name->setFont(AppFonts::label());
-    auto *count = new QLabel(ruleCountText(preset.rules.size()), row);
+    auto *count = new QLabel(counted(preset.rules.size(), u"rule"), row);
     count->setObjectName(u"presetRuleCount"_s);
     count->setFont(AppFonts::caption());
     RuleEditorStyle::makeSecondary(count);
