@@ -67,7 +67,7 @@ QList<FileItem> previewFiles()
     files.reserve(previewFileCount);
     for (int i = 0; i < previewFileCount; ++i) {
         const QString name = u"%1 %2 (v%3)!.jpg"_s.arg(words[i % words.size()]).arg(i).arg(i % 7);
-        files.append(FileItem(nativepath::fromText(u"/nonexistent/folder/"_s + name)));
+        files.append(FileItem(NativePath::fromText(u"/nonexistent/folder/"_s + name)));
     }
     return files;
 }
@@ -125,7 +125,7 @@ double timePerlRename(const fs::path &folder)
     for (int i = 0; i < renameFileCount; ++i)
         arguments.append(u"c_%1"_s.arg(i));
     QProcess perl;
-    perl.setWorkingDirectory(nativepath::toText(folder));
+    perl.setWorkingDirectory(NativePath(folder).toText());
     const double elapsed = millisecondsOf([&] {
         perl.start(u"file-rename"_s, arguments);
         perl.waitForFinished(-1);
@@ -156,7 +156,7 @@ int main(int argc, char *argv[])
     std::vector<double> perl;
     for (int run = 0; run < runs; ++run) {
         QTemporaryDir dir(u"/dev/shm/bench_engine-XXXXXX"_s);
-        const fs::path folder = nativepath::fromText(dir.path());
+        const fs::path folder = NativePath::fromText(dir.path()).toStdPath();
         createFiles(folder, "a_");
         // Alternate which goes first, so that neither always meets the freshly created files.
         if (run % 2 == 0) {

@@ -34,16 +34,16 @@ namespace {
 constexpr int folderCount = 100;
 constexpr int filesPerFolder = 1000;
 
-QList<fs::path> makeFiles(const QString &root)
+QList<NativePath> makeFiles(const QString &root)
 {
-    QList<fs::path> files;
+    QList<NativePath> files;
     files.reserve(folderCount * filesPerFolder);
     for (int folder = 0; folder < folderCount; ++folder) {
-        const fs::path directory = nativepath::fromText(root) / ("Folder " + std::to_string(folder));
+        const fs::path directory = NativePath::fromText(root).toStdPath() / ("Folder " + std::to_string(folder));
         fs::create_directory(directory);
         for (int file = 0; file < filesPerFolder; ++file) {
             files.append(directory / ("IMG_" + std::to_string(file) + " holiday photo.jpg"));
-            std::ofstream(files.last()) << file;
+            std::ofstream(files.last().toStdPath()) << file;
         }
     }
     return files;
@@ -111,7 +111,7 @@ int main(int argc, char **argv)
     QTemporaryDir root(u"/dev/shm/quillfern-bench-panes-XXXXXX"_s);
     if (!root.isValid())
         qFatal("cannot create a folder on /dev/shm");
-    const QList<fs::path> files = makeFiles(root.path());
+    const QList<NativePath> files = makeFiles(root.path());
     out << "files: " << files.size() << " real files in " << folderCount << " folders on /dev/shm, " << runs
         << " runs, median\n";
 

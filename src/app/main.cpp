@@ -4,6 +4,7 @@
 #include <QIcon>
 #include <QMainWindow>
 
+#include <filesystem>
 #include <system_error>
 
 using namespace Qt::StringLiterals;
@@ -12,13 +13,14 @@ namespace {
 
 /// The paths given on the command line (as a file manager's "Open with" passes them), made absolute. They are
 /// taken from argv as bytes, after Qt has removed its own options, so names that are not UTF-8 survive.
-QList<std::filesystem::path> commandLineLocations(int argc, char *argv[])
+QList<quillfern::NativePath> commandLineLocations(int argc, char *argv[])
 {
-    QList<std::filesystem::path> locations;
+    QList<quillfern::NativePath> locations;
     for (int index = 1; index < argc; ++index) {
+        const std::filesystem::path given(argv[index]);
         std::error_code error;
-        std::filesystem::path location = std::filesystem::absolute(argv[index], error);
-        locations.append(error ? std::filesystem::path(argv[index]) : location);
+        const std::filesystem::path location = std::filesystem::absolute(given, error);
+        locations.append(error ? given : location);
     }
     return locations;
 }

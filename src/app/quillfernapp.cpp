@@ -31,7 +31,7 @@ QuillfernApp::QuillfernApp()
 
 QuillfernApp::~QuillfernApp() = default;
 
-void QuillfernApp::open(const QList<std::filesystem::path> &locations)
+void QuillfernApp::open(const QList<NativePath> &locations)
 {
     if (!locations.isEmpty())
         m_vm.addFiles(locations);

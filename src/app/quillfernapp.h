@@ -1,12 +1,12 @@
 #pragma once
 
+#include "model/nativepath.h"
 #include "presets/presetmanager.h"
 #include "state/appviewmodel.h"
 
 #include <QList>
 #include <QSize>
 
-#include <filesystem>
 #include <memory>
 
 class QMainWindow;
@@ -32,7 +32,7 @@ public:
     [[nodiscard]] ContentView &contentView() { return *m_contentView; }
 
     /// Adds locations to the working list, as when the desktop opens files with the application.
-    void open(const QList<std::filesystem::path> &locations);
+    void open(const QList<NativePath> &locations);
 
     /// The smallest size of the window's content.
     static constexpr QSize minimumContentSize{960, 600};

@@ -102,7 +102,7 @@ std::optional<CliOptions> CliOptions::parse(int argc, char **argv, QString &erro
                 continue;
             }
             options.words << argument;
-            options.paths << std::filesystem::path(raw);
+            options.paths << NativePath(raw);
             continue;
         }
         if (argument == u"--"_s) {

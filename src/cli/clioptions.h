@@ -1,10 +1,11 @@
 #pragma once
 
+#include "model/nativepath.h"
+
 #include <QList>
 #include <QString>
 #include <QStringList>
 
-#include <filesystem>
 #include <optional>
 
 namespace quillfern {
@@ -56,7 +57,7 @@ struct CliOptions
     /// Positional arguments after the command, as text (parse's words, presets' sub-command and name).
     QStringList words;
     /// Positional arguments after the command as native paths, keeping bytes that are not valid UTF-8.
-    QList<std::filesystem::path> paths;
+    QList<NativePath> paths;
 
     /// Parses the arguments after the program name; on bad usage returns none and sets `error`.
     [[nodiscard]] static std::optional<CliOptions> parse(int argc, char **argv, QString &error);

@@ -73,7 +73,7 @@ QString PreviewPrinter::json(const QList<PreviewEntry> &previews, const QList<Fi
         array.append(QJsonObject{{u"original"_s, previews[i].original},
             {u"preview"_s, previews[i].preview},
             {u"hasConflict"_s, previews[i].hasConflict},
-            {u"path"_s, nativepath::toText(files[i].url)}});
+            {u"path"_s, files[i].url.toText()}});
     }
     return jsonText(array);
 }
@@ -82,8 +82,7 @@ QString PreviewPrinter::resultLines(const QList<RenameResult> &results)
 {
     QString text;
     for (const RenameResult &result : results) {
-        const QString move =
-            nativepath::toText(result.originalURL) + u" -> "_s + nativepath::toText(result.newURL.filename());
+        const QString move = result.originalURL.toText() + u" -> "_s + result.newURL.fileNameText();
         if (result.success)
             text += u"renamed: "_s + move + u'\n';
         else
@@ -96,8 +95,8 @@ QString PreviewPrinter::resultJson(const QList<RenameResult> &results)
 {
     QJsonArray array;
     for (const RenameResult &result : results) {
-        array.append(QJsonObject{{u"originalPath"_s, nativepath::toText(result.originalURL)},
-            {u"newPath"_s, nativepath::toText(result.newURL)},
+        array.append(QJsonObject{{u"originalPath"_s, result.originalURL.toText()},
+            {u"newPath"_s, result.newURL.toText()},
             {u"success"_s, result.success},
             {u"error"_s, result.error ? QJsonValue(*result.error) : QJsonValue()}});
     }

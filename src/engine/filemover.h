@@ -1,8 +1,8 @@
 #pragma once
 
 #include "engine/moveerror.h"
+#include "model/nativepath.h"
 
-#include <filesystem>
 #include <optional>
 
 namespace quillfern {
@@ -19,17 +19,18 @@ public:
 
     /// Moves `from` to `to` within the same folder; no value on success. Fails with DestinationExists, and
     /// leaves both items as they were, when anything exists at `to`.
-    [[nodiscard]] virtual std::optional<MoveError> move(const std::filesystem::path &from,
-                                                        const std::filesystem::path &to)
-        = 0;
+    [[nodiscard]] virtual std::optional<MoveError> move(const NativePath &from, const NativePath &to) = 0;
 
     /// Whether both paths name the very same item on disk (as a case-only rename does on a case-insensitive
     /// file system).
-    [[nodiscard]] virtual bool isSameItem(const std::filesystem::path &first, const std::filesystem::path &second)
-        = 0;
+    [[nodiscard]] virtual bool isSameItem(const NativePath &first, const NativePath &second) = 0;
 
     /// Whether anything exists at the path (a dangling link counts).
-    [[nodiscard]] virtual bool exists(const std::filesystem::path &path) = 0;
+    [[nodiscard]] virtual bool exists(const NativePath &path) = 0;
+
+    /// Called when a batch of moves ends. A mover that kept folders open for the batch closes them here:
+    /// before the next batch they may have moved, and a kept descriptor would follow them.
+    virtual void finishBatch() {}
 };
 
 } // namespace quillfern

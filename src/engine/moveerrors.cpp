@@ -1,14 +1,12 @@
 #include "engine/moveerrors_p.h"
-#include "model/nativepath.h"
 
 using namespace Qt::StringLiterals;
 
 namespace quillfern::moveerrors {
 
-MoveError destinationExists(const std::filesystem::path &to)
+MoveError destinationExists(const NativePath &to)
 {
-    return MoveError{MoveError::Kind::DestinationExists,
-        u"A file named “%1” already exists."_s.arg(nativepath::toText(to.filename()))};
+    return MoveError{MoveError::Kind::DestinationExists, u"A file named “%1” already exists."_s.arg(to.fileNameText())};
 }
 
 MoveError systemError(const std::error_code &code)

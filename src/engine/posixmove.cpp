@@ -13,14 +13,12 @@
 
 namespace quillfern::posixmove {
 
-namespace fs = std::filesystem;
-
 namespace {
 
-std::optional<MoveError> lastError(const fs::path &to)
+std::optional<MoveError> lastError(Location to)
 {
     if (errno == EEXIST)
-        return moveerrors::destinationExists(to);
+        return moveerrors::destinationExists(NativePath(to.name));
     return moveerrors::systemError(std::error_code(errno, std::generic_category()));
 }
 
@@ -37,12 +35,12 @@ bool hasNoHardLinks(int error)
 }
 
 /// The atomic no-replace rename; -1 with errno set on failure.
-int renameExclusive(const fs::path &from, const fs::path &to)
+int renameExclusive(Location from, Location to)
 {
 #if defined(Q_OS_LINUX)
-    return renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE);
+    return renameat2(from.folder, from.name, to.folder, to.name, RENAME_NOREPLACE);
 #elif defined(Q_OS_DARWIN)
-    return renamex_np(from.c_str(), to.c_str(), RENAME_EXCL);
+    return renameatx_np(from.folder, from.name, to.folder, to.name, RENAME_EXCL);
 #else
     errno = ENOSYS;
     return -1;
@@ -51,41 +49,41 @@ int renameExclusive(const fs::path &from, const fs::path &to)
 
 } // namespace
 
-std::optional<MoveError> moveByLinking(const fs::path &from, const fs::path &to)
+std::optional<MoveError> moveByLinking(Location from, Location to)
 {
-    if (linkat(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), 0) != 0) {
+    if (linkat(from.folder, from.name, to.folder, to.name, 0) != 0) {
         // Some file systems have no hard links at all (exFAT, SMB, many FUSE ones); there only the
         // check-then-rename is left.
         if (hasNoHardLinks(errno))
             return moveAfterChecking(from, to);
         return lastError(to);
     }
-    if (unlinkat(AT_FDCWD, from.c_str(), 0) != 0) {
+    if (unlinkat(from.folder, from.name, 0) != 0) {
         const auto error = lastError(from);
-        unlinkat(AT_FDCWD, to.c_str(), 0);
+        unlinkat(to.folder, to.name, 0);
         return error;
     }
     return std::nullopt;
 }
 
-std::optional<MoveError> moveAfterChecking(const fs::path &from, const fs::path &to)
+std::optional<MoveError> moveAfterChecking(Location from, Location to)
 {
     struct stat status = {};
-    if (lstat(to.c_str(), &status) == 0)
-        return moveerrors::destinationExists(to);
-    if (std::rename(from.c_str(), to.c_str()) != 0)
+    if (fstatat(to.folder, to.name, &status, AT_SYMLINK_NOFOLLOW) == 0)
+        return moveerrors::destinationExists(NativePath(to.name));
+    if (renameat(from.folder, from.name, to.folder, to.name) != 0)
         return lastError(to);
     return std::nullopt;
 }
 
-std::optional<MoveError> move(const fs::path &from, const fs::path &to)
+std::optional<MoveError> move(Location from, Location to)
 {
     if (renameExclusive(from, to) == 0)
         return std::nullopt;
     if (!refusedFlag(errno))
         return lastError(to);
     struct stat status = {};
-    if (lstat(from.c_str(), &status) != 0)
+    if (fstatat(from.folder, from.name, &status, AT_SYMLINK_NOFOLLOW) != 0)
         return lastError(from);
     if (S_ISDIR(status.st_mode))
         return moveAfterChecking(from, to);

@@ -7,6 +7,7 @@
 #include "model/movedlocations.h"
 #include "model/nativepath.h"
 
+#include <QScopeGuard>
 #include <QThread>
 #include <QUuid>
 #include <QtConcurrent/QtConcurrentMap>
@@ -17,8 +18,6 @@
 using namespace Qt::StringLiterals;
 
 namespace quillfern {
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -99,27 +98,27 @@ std::vector<NamedFile> nameAll(const QList<RenameRule> &rules, const QList<FileI
     return named;
 }
 
-RenameResult failure(const fs::path &from, const fs::path &to, const QString &message)
+RenameResult failure(const NativePath &from, const NativePath &to, const QString &message)
 {
     return RenameResult{from, to, false, message};
 }
 
 /// A name in the folder of `path` that nothing uses, for the middle step of a case-only rename.
-fs::path unusedTemporaryPath(const fs::path &path, FileMover &mover)
+NativePath unusedTemporaryPath(const NativePath &path, FileMover &mover)
 {
-    fs::path candidate;
+    NativePath candidate;
     do {
         const QString name = u".quillfern-rename-"_s + QUuid::createUuid().toString(QUuid::WithoutBraces);
-        candidate = path.parent_path() / nativepath::fromText(name);
+        candidate = path.withFileName(NativePath::fromText(name));
     } while (mover.exists(candidate));
     return candidate;
 }
 
 /// Renames an item whose new name differs only in letter case on a file system that ignores case: the
 /// destination "exists" as the item itself, so it goes through a temporary name, each step checked.
-RenameResult renameThroughTemporary(const fs::path &from, const fs::path &to, FileMover &mover)
+RenameResult renameThroughTemporary(const NativePath &from, const NativePath &to, FileMover &mover)
 {
-    const fs::path temporary = unusedTemporaryPath(from, mover);
+    const NativePath temporary = unusedTemporaryPath(from, mover);
     if (const auto error = mover.move(from, temporary))
         return failure(from, to, error->message);
     const auto error = mover.move(temporary, to);
@@ -130,12 +129,12 @@ RenameResult renameThroughTemporary(const fs::path &from, const fs::path &to, Fi
             to,
             u"%1; moving it back failed too (%2), so it is now named “%3”."_s.arg(error->message,
                 restoreError->message,
-                nativepath::toText(temporary.filename())));
+                temporary.fileNameText()));
     }
     return failure(from, to, error->message);
 }
 
-RenameResult renameOne(const fs::path &from, fs::path to, FileMover &mover)
+RenameResult renameOne(const NativePath &from, NativePath to, FileMover &mover)
 {
     const auto error = mover.move(from, to);
     if (!error)
@@ -178,6 +177,7 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QLi
 
 QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QList<RenameRule> &rules, FileMover &mover)
 {
+    const auto finishBatch = qScopeGuard([&] { mover.finishBatch(); });
     RulePipeline pipeline(rules);
     QList<RenameResult> results;
     results.reserve(files.size());
@@ -194,8 +194,8 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QLi
         // Compared as text, so a name that is not valid UTF-8 and that no rule changed is left alone.
         if (newName == original)
             continue;
-        const fs::path source = moved.currentLocation(file.url);
-        fs::path destination = fs::path(source).replace_filename(nativepath::fromText(newName));
+        const NativePath source = moved.currentLocation(file.url);
+        NativePath destination = source.withFileName(NativePath::fromText(newName));
         RenameResult result;
         if (const QString reason = newnamecheck::whyInvalid(newName); !reason.isEmpty())
             result = failure(source, destination, reason);

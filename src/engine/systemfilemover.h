@@ -5,15 +5,29 @@
 namespace quillfern {
 
 /// Moves items on the real file system with the platform's no-replace rename: renameat2(RENAME_NOREPLACE) on
-/// Linux (link and unlink for regular files where a file system refuses the flag), renamex_np(RENAME_EXCL) on
-/// macOS and MoveFileExW without replace or copy on Windows.
+/// Linux (link and unlink for regular files where a file system refuses the flag), renameatx_np(RENAME_EXCL)
+/// on macOS and MoveFileExW without replace or copy on Windows. On POSIX systems the folder of the last move
+/// stays open until the batch finishes, and moves within it name the items relative to it.
 class SystemFileMover final : public FileMover
 {
 public:
-    [[nodiscard]] std::optional<MoveError> move(const std::filesystem::path &from,
-                                                const std::filesystem::path &to) override;
-    [[nodiscard]] bool isSameItem(const std::filesystem::path &first, const std::filesystem::path &second) override;
-    [[nodiscard]] bool exists(const std::filesystem::path &path) override;
+    SystemFileMover() = default;
+    ~SystemFileMover() override;
+
+    [[nodiscard]] std::optional<MoveError> move(const NativePath &from, const NativePath &to) override;
+    [[nodiscard]] bool isSameItem(const NativePath &first, const NativePath &second) override;
+    [[nodiscard]] bool exists(const NativePath &path) override;
+    void finishBatch() override;
+
+private:
+#ifndef Q_OS_WIN
+    /// A descriptor of `folder`, opened once for all the moves in it; -1 when it cannot be opened.
+    int descriptorOf(const NativePath &folder);
+    void closeOpenFolder();
+
+    NativePath m_openFolder;
+    int m_openFolderDescriptor = -1;
+#endif
 };
 
 } // namespace quillfern

@@ -7,10 +7,10 @@ namespace quillfern::fileattributes {
 
 namespace fs = std::filesystem;
 
-std::optional<QDateTime> modificationDate(const fs::path &path)
+std::optional<QDateTime> modificationDate(const NativePath &path)
 {
     std::error_code error;
-    const fs::file_time_type fileTime = fs::last_write_time(path, error);
+    const fs::file_time_type fileTime = fs::last_write_time(path.toStdPath(), error);
     if (error)
         return std::nullopt;
     const auto systemTime = std::chrono::file_clock::to_sys(fileTime);
@@ -18,14 +18,15 @@ std::optional<QDateTime> modificationDate(const fs::path &path)
     return QDateTime::fromMSecsSinceEpoch(milliseconds.count(), Qt::UTC);
 }
 
-std::optional<qint64> fileSize(const fs::path &path)
+std::optional<qint64> fileSize(const NativePath &path)
 {
+    const fs::path location = path.toStdPath();
     std::error_code error;
-    const fs::file_status status = fs::status(path, error);
+    const fs::file_status status = fs::status(location, error);
     // Directories report the size of their own records on some systems; that is not a size a user means.
     if (error || fs::is_directory(status) || !fs::exists(status))
         return std::nullopt;
-    const std::uintmax_t size = fs::file_size(path, error);
+    const std::uintmax_t size = fs::file_size(location, error);
     if (error)
         return std::nullopt;
     return qint64(size);

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "model/nativepath.h"
+
 #include <QDateTime>
 
-#include <filesystem>
 #include <optional>
 
 namespace quillfern {
@@ -11,10 +12,10 @@ namespace quillfern {
 namespace fileattributes {
 
 /// The content-modification date, or none when it cannot be read.
-std::optional<QDateTime> modificationDate(const std::filesystem::path &path);
+std::optional<QDateTime> modificationDate(const NativePath &path);
 
 /// The size in bytes of a file, or none when it cannot be read or the item is a directory.
-std::optional<qint64> fileSize(const std::filesystem::path &path);
+std::optional<qint64> fileSize(const NativePath &path);
 
 } // namespace fileattributes
 } // namespace quillfern

@@ -4,6 +4,7 @@
 #include "model/fileattributes.h"
 #include "model/icutext_p.h"
 #include "model/nativepath.h"
+#include "model/randomuuid.h"
 
 #include <QHashFunctions>
 
@@ -19,10 +20,10 @@ namespace {
 
 constexpr QStringView noValue = u"—";
 
-bool probeIsDirectory(const fs::path &location)
+bool probeIsDirectory(const NativePath &location)
 {
     std::error_code error;
-    return fs::is_directory(location, error);
+    return fs::is_directory(location.toStdPath(), error);
 }
 
 QString formatShortDateTime(const QDateTime &date)
@@ -39,15 +40,15 @@ QString formatShortDateTime(const QDateTime &date)
 
 } // namespace
 
-FileItem::FileItem(fs::path location)
+FileItem::FileItem(NativePath location)
     : FileItem(location, probeIsDirectory(location))
 {
 }
 
-FileItem::FileItem(fs::path location, bool locationIsDirectory)
-    : id(QUuid::createUuid())
-    , url(nativepath::withoutTrailingSeparator(std::move(location)))
-    , previewName(nativepath::toText(url.filename()))
+FileItem::FileItem(NativePath location, bool locationIsDirectory)
+    : id(randomUuid())
+    , url(location.withoutTrailingSeparator())
+    , previewName(url.fileNameText())
     , isDirectory(locationIsDirectory)
 {
 }
@@ -62,7 +63,7 @@ qsizetype extensionDotIndex(QStringView name)
 
 QString FileItem::originalName() const
 {
-    return nativepath::toText(url.filename());
+    return url.fileNameText();
 }
 
 QString FileItem::nameWithoutExtension() const
@@ -79,9 +80,9 @@ QString FileItem::fileExtension() const
     return dot < 0 ? QString() : name.mid(dot + 1);
 }
 
-fs::path FileItem::parentURL() const
+NativePath FileItem::parentURL() const
 {
-    return url.parent_path();
+    return url.parent();
 }
 
 QString FileItem::fileSizeString() const

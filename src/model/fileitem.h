@@ -1,9 +1,9 @@
 #pragma once
 
+#include "model/nativepath.h"
+
 #include <QString>
 #include <QUuid>
-
-#include <filesystem>
 
 namespace quillfern {
 
@@ -13,12 +13,12 @@ struct FileItem
 {
     /// An item for the location: a fresh id, selected, no conflict, previewName the current name, and
     /// isDirectory probed from the file system (false when nothing exists there).
-    explicit FileItem(std::filesystem::path location);
+    explicit FileItem(NativePath location);
     /// The same, for a caller that has just learnt from a directory listing whether the location is a folder.
-    FileItem(std::filesystem::path location, bool locationIsDirectory);
+    FileItem(NativePath location, bool locationIsDirectory);
 
     QUuid id;
-    std::filesystem::path url;
+    NativePath url;
     bool isSelected = true;
     QString previewName;
     bool hasConflict = false;
@@ -31,7 +31,7 @@ struct FileItem
     /// The extension without the dot; empty when there is none ("README", ".bashrc", "file.").
     [[nodiscard]] QString fileExtension() const;
     /// The folder that holds the item.
-    [[nodiscard]] std::filesystem::path parentURL() const;
+    [[nodiscard]] NativePath parentURL() const;
     /// The size for display, such as "1.5 MB"; "—" when it cannot be read or the item is a folder.
     [[nodiscard]] QString fileSizeString() const;
     /// The modification date and time in the current locale's short styles; "—" when it cannot be read.

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <filesystem>
+#include "model/nativepath.h"
+
 #include <unordered_map>
 
 namespace quillfern {
@@ -11,16 +12,16 @@ class MovedLocations final
 {
 public:
     /// Records that the item listed at `from` is now at `to`.
-    void record(const std::filesystem::path &from, const std::filesystem::path &to);
+    void record(const NativePath &from, const NativePath &to);
 
     /// Where the item listed at `location` is now: below the deepest moved folder that holds it, or where it
     /// was when no folder above it moved. The item's own move is not considered.
-    [[nodiscard]] std::filesystem::path currentLocation(const std::filesystem::path &location) const;
+    [[nodiscard]] NativePath currentLocation(const NativePath &location) const;
 
     [[nodiscard]] bool isEmpty() const { return m_moves.empty(); }
 
 private:
-    std::unordered_map<std::filesystem::path::string_type, std::filesystem::path> m_moves;
+    std::unordered_map<NativePath, NativePath> m_moves;
 };
 
 } // namespace quillfern

@@ -1,27 +1,39 @@
 #include "model/nativepath.h"
 
-namespace quillfern::nativepath {
+#include <QHashFunctions>
 
-QString toText(const std::filesystem::path &path)
+namespace quillfern {
+
+namespace {
+
+#ifndef Q_OS_WIN
+constexpr char separator = '/';
+
+/// The position just after the last separator: where the last component starts.
+std::size_t fileNameStart(const std::string &native)
+{
+    const std::size_t last = native.rfind(separator);
+    return last == std::string::npos ? 0 : last + 1;
+}
+
+QString textOf(const char *bytes, std::size_t size)
+{
+    return QString::fromUtf8(bytes, qsizetype(size));
+}
+#endif
+
+} // namespace
+
+NativePath NativePath::fromText(const QString &text)
 {
 #ifdef Q_OS_WIN
-    return QString::fromStdWString(path.native());
+    return NativePath(text.toStdWString());
 #else
-    const std::string &bytes = path.native();
-    return QString::fromUtf8(bytes.data(), qsizetype(bytes.size()));
+    return NativePath(text.toStdString());
 #endif
 }
 
-std::filesystem::path fromText(const QString &text)
-{
-#ifdef Q_OS_WIN
-    return std::filesystem::path(text.toStdWString());
-#else
-    return std::filesystem::path(text.toStdString());
-#endif
-}
-
-std::optional<std::filesystem::path> fromLocalFileUrl(const QUrl &url)
+std::optional<NativePath> NativePath::fromLocalFileUrl(const QUrl &url)
 {
     if (!url.isLocalFile())
         return std::nullopt;
@@ -33,15 +45,114 @@ std::optional<std::filesystem::path> fromLocalFileUrl(const QUrl &url)
     const QByteArray bytes = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1());
     if (bytes.isEmpty())
         return std::nullopt;
-    return std::filesystem::path(bytes.toStdString());
+    return NativePath(bytes.toStdString());
 #endif
 }
 
-std::filesystem::path withoutTrailingSeparator(std::filesystem::path path)
+QString NativePath::toText() const
 {
+#ifdef Q_OS_WIN
+    return QString::fromStdWString(m_native);
+#else
+    return textOf(m_native.data(), m_native.size());
+#endif
+}
+
+// Windows paths have drive letters, two separators and network shares; there the standard library's rules are
+// used as they are. On POSIX systems the only separator is "/" and the rules are short enough to keep here,
+// without building the component list of a std::filesystem::path.
+
+NativePath NativePath::fileName() const
+{
+#ifdef Q_OS_WIN
+    return toStdPath().filename();
+#else
+    return NativePath(m_native.substr(fileNameStart(m_native)));
+#endif
+}
+
+QString NativePath::fileNameText() const
+{
+#ifdef Q_OS_WIN
+    return fileName().toText();
+#else
+    const std::size_t start = fileNameStart(m_native);
+    return textOf(m_native.data() + start, m_native.size() - start);
+#endif
+}
+
+NativePath NativePath::parent() const
+{
+#ifdef Q_OS_WIN
+    return toStdPath().parent_path();
+#else
+    std::size_t end = fileNameStart(m_native);
+    while (end > 1 && m_native[end - 1] == separator)
+        --end;
+    return NativePath(m_native.substr(0, end));
+#endif
+}
+
+NativePath NativePath::operator/(const NativePath &name) const
+{
+#ifdef Q_OS_WIN
+    return toStdPath() / name.toStdPath();
+#else
+    if (m_native.empty() || m_native.back() == separator)
+        return NativePath(m_native + name.m_native);
+    return NativePath(m_native + separator + name.m_native);
+#endif
+}
+
+NativePath NativePath::withFileName(const NativePath &name) const
+{
+#ifdef Q_OS_WIN
+    return toStdPath().replace_filename(name.toStdPath());
+#else
+    return NativePath(m_native.substr(0, fileNameStart(m_native)) + name.m_native);
+#endif
+}
+
+NativePath NativePath::withoutTrailingSeparator() const
+{
+#ifdef Q_OS_WIN
+    std::filesystem::path path = toStdPath();
     while (!path.has_filename() && path.has_relative_path())
         path = path.parent_path();
     return path;
+#else
+    std::size_t end = m_native.size();
+    while (end > 1 && m_native[end - 1] == separator)
+        --end;
+    return NativePath(m_native.substr(0, end));
+#endif
 }
 
-} // namespace quillfern::nativepath
+bool NativePath::isWithin(const NativePath &folder) const
+{
+    if (!m_native.starts_with(folder.m_native))
+        return false;
+    if (m_native.size() == folder.m_native.size())
+        return true;
+#ifdef Q_OS_WIN
+    const auto isSeparator = [](wchar_t unit) {
+        return unit == L'/' || unit == L'\\';
+    };
+#else
+    const auto isSeparator = [](char unit) {
+        return unit == separator;
+    };
+#endif
+    return isSeparator(m_native[folder.m_native.size()]) || (!folder.isEmpty() && isSeparator(folder.m_native.back()));
+}
+
+size_t qHash(const NativePath &path, size_t seed) noexcept
+{
+#ifdef Q_OS_WIN
+    return qHash(QStringView(path.native()), seed);
+#else
+    return qHash(QByteArrayView(path.native()), seed);
+#endif
+}
+
+} // namespace quillfern

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "model/nativepath.h"
+
 #include <QString>
 
-#include <filesystem>
 #include <optional>
 
 namespace quillfern {
@@ -10,8 +11,8 @@ namespace quillfern {
 /// The outcome of one attempted move of a batch rename.
 struct RenameResult
 {
-    std::filesystem::path originalURL;
-    std::filesystem::path newURL;
+    NativePath originalURL;
+    NativePath newURL;
     bool success = false;
     /// Why the move failed, readable as it is ("A file named “b.txt” already exists."); absent on success.
     std::optional<QString> error;

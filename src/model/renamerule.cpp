@@ -1,6 +1,7 @@
 #include "model/renamerule.h"
 
 #include "model/jsonobjectreader.h"
+#include "model/randomuuid.h"
 
 #include <QHashFunctions>
 
@@ -9,7 +10,7 @@ namespace quillfern {
 using namespace Qt::StringLiterals;
 
 RenameRule::RenameRule(RuleType ruleType)
-    : id(QUuid::createUuid())
+    : id(randomUuid())
     , type(ruleType)
 {
 }

@@ -1,6 +1,7 @@
 #include "presets/preset.h"
 
 #include "model/jsonobjectreader.h"
+#include "model/randomuuid.h"
 
 #include <QJsonArray>
 
@@ -36,7 +37,7 @@ std::optional<QDateTime> dateFromSecondsSinceReferenceDate(double seconds)
 } // namespace
 
 Preset::Preset(QString presetName, QList<RenameRule> presetRules, QString presetIcon)
-    : id(QUuid::createUuid())
+    : id(randomUuid())
     , name(std::move(presetName))
     , rules(std::move(presetRules))
     , createdAt(QDateTime::currentDateTimeUtc())

@@ -18,14 +18,13 @@
 
 #include <algorithm>
 #include <deque>
-#include <string>
+#include <filesystem>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
 
 namespace quillfern {
 
-namespace fs = std::filesystem;
 using namespace Qt::StringLiterals;
 
 namespace {
@@ -165,24 +164,24 @@ qsizetype AppViewModel::conflictCount() const
     });
 }
 
-void AppViewModel::addFiles(const QList<fs::path> &locations)
+void AppViewModel::addFiles(const QList<NativePath> &locations)
 {
     // Duplicates are judged against the list as it was before this call only: a location given twice in one
     // call is added twice.
-    std::unordered_set<fs::path::string_type> existing;
+    std::unordered_set<NativePath> existing;
     existing.reserve(std::size_t(m_files.size()));
     for (const FileItem &item : std::as_const(m_files))
-        existing.insert(item.url.native());
+        existing.insert(item.url);
 
     QList<FileItem> added;
-    const auto addIfNew = [&](const fs::path &location, bool isDirectory) {
-        if (!existing.contains(location.native()))
-            added.append(FileItem(location, isDirectory));
+    const auto addIfNew = [&](NativePath location, bool isDirectory) {
+        if (!existing.contains(location))
+            added.append(FileItem(std::move(location), isDirectory));
     };
-    for (const fs::path &given : locations) {
-        const fs::path location = nativepath::withoutTrailingSeparator(given);
+    for (const NativePath &given : locations) {
+        const NativePath location = given.withoutTrailingSeparator();
         std::error_code error;
-        const bool isDirectory = fs::is_directory(location, error);
+        const bool isDirectory = std::filesystem::is_directory(location.toStdPath(), error);
         if (isDirectory && m_includeSubfolders)
             folderenumerator::forEachEntry(location, addIfNew);
         else
@@ -346,15 +345,15 @@ void AppViewModel::completeRename(const QList<RenameResult> &results)
     QList<FileItem> files = m_files;
     // Each renamed item replaces the first item listed at its old location that was not replaced yet; the
     // positions are looked up by location so a large batch stays linear.
-    std::unordered_map<fs::path::string_type, std::deque<qsizetype>> positions;
+    std::unordered_map<NativePath, std::deque<qsizetype>> positions;
     for (qsizetype index = 0; index < files.size(); ++index)
-        positions[files[index].url.native()].push_back(index);
+        positions[files[index].url].push_back(index);
     std::vector<bool> isReplaced(std::size_t(files.size()), false);
     MovedLocations moved;
     for (const RenameResult &result : results) {
         if (!result.success)
             continue;
-        const auto found = positions.find(result.originalURL.native());
+        const auto found = positions.find(result.originalURL);
         if (found == positions.end() || found->second.empty())
             continue;
         const qsizetype index = found->second.front();
@@ -425,7 +424,7 @@ void AppViewModel::exportCSVToFile(const QString &nameFilter)
     if (!location)
         return;
     // A failed write leaves nothing behind and is not reported.
-    QSaveFile file(nativepath::toText(*location));
+    QSaveFile file(location->toText());
     if (!file.open(QIODevice::WriteOnly))
         return;
     file.write(text.toUtf8());

@@ -3,6 +3,7 @@
 #include "engine/previewentry.h"
 #include "model/enumtraits.h"
 #include "model/fileitem.h"
+#include "model/nativepath.h"
 #include "model/renameresult.h"
 #include "model/renamerule.h"
 #include "parser/parsedrule.h"
@@ -13,7 +14,6 @@
 #include <QUuid>
 
 #include <atomic>
-#include <filesystem>
 #include <memory>
 #include <optional>
 
@@ -104,7 +104,7 @@ public:
     // File collection.
     /// Adds items for the locations (a folder's whole contents when includeSubfolders is on), skipping
     /// locations already in the list before the call, then refreshes the previews.
-    void addFiles(const QList<std::filesystem::path> &locations);
+    void addFiles(const QList<NativePath> &locations);
     /// Removes the items with these ids, then refreshes the previews.
     void removeFiles(const QList<FileItem> &items);
     /// Empties the list and the previews; rules and the undo history stay.

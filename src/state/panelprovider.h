@@ -1,9 +1,10 @@
 #pragma once
 
+#include "model/nativepath.h"
+
 #include <QList>
 #include <QString>
 
-#include <filesystem>
 #include <optional>
 
 namespace quillfern {
@@ -20,11 +21,11 @@ public:
 
     /// Runs a modal open panel for files and folders with multiple selection and the given title. Returns the
     /// chosen locations in the panel's order, or none when the user cancels.
-    [[nodiscard]] virtual std::optional<QList<std::filesystem::path>> chooseFilesAndFolders(const QString &title) = 0;
+    [[nodiscard]] virtual std::optional<QList<NativePath>> chooseFilesAndFolders(const QString &title) = 0;
 
     /// Runs a modal save panel proposing `proposedName`; `nameFilter` ("CSV files (*.csv)") restricts the file
     /// types when not empty. Returns the chosen location, or none when the user cancels.
-    [[nodiscard]] virtual std::optional<std::filesystem::path> chooseSaveLocation(const QString &proposedName,
+    [[nodiscard]] virtual std::optional<NativePath> chooseSaveLocation(const QString &proposedName,
         const QString &nameFilter) = 0;
 };
 

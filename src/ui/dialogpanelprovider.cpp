@@ -42,7 +42,7 @@ DialogPanelProvider::DialogPanelProvider(QWidget *parent)
 {
 }
 
-std::optional<QList<std::filesystem::path>> DialogPanelProvider::chooseFilesAndFolders(const QString &title)
+std::optional<QList<NativePath>> DialogPanelProvider::chooseFilesAndFolders(const QString &title)
 {
     // The desktop's own dialogs cannot choose files and folders together, so this one is Qt's.
     FilesAndFoldersDialog dialog(m_parent, title);
@@ -52,13 +52,13 @@ std::optional<QList<std::filesystem::path>> DialogPanelProvider::chooseFilesAndF
     dialog.setWindowModality(Qt::WindowModal);
     if (dialog.exec() != QDialog::Accepted)
         return std::nullopt;
-    QList<std::filesystem::path> locations;
+    QList<NativePath> locations;
     for (const QString &path : dialog.selectedFiles())
-        locations.append(nativepath::fromText(path));
+        locations.append(NativePath::fromText(path));
     return locations;
 }
 
-std::optional<std::filesystem::path> DialogPanelProvider::chooseSaveLocation(const QString &proposedName,
+std::optional<NativePath> DialogPanelProvider::chooseSaveLocation(const QString &proposedName,
     const QString &nameFilter)
 {
     QFileDialog dialog(m_parent);
@@ -70,7 +70,7 @@ std::optional<std::filesystem::path> DialogPanelProvider::chooseSaveLocation(con
     dialog.selectFile(proposedName);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return std::nullopt;
-    return nativepath::fromText(dialog.selectedFiles().constFirst());
+    return NativePath::fromText(dialog.selectedFiles().constFirst());
 }
 
 } // namespace quillfern

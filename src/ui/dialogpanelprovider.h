@@ -14,8 +14,8 @@ class DialogPanelProvider final : public PanelProvider
 public:
     explicit DialogPanelProvider(QWidget *parent);
 
-    [[nodiscard]] std::optional<QList<std::filesystem::path>> chooseFilesAndFolders(const QString &title) override;
-    [[nodiscard]] std::optional<std::filesystem::path> chooseSaveLocation(const QString &proposedName,
+    [[nodiscard]] std::optional<QList<NativePath>> chooseFilesAndFolders(const QString &title) override;
+    [[nodiscard]] std::optional<NativePath> chooseSaveLocation(const QString &proposedName,
         const QString &nameFilter) override;
 
     /// The object name of the open panel's dialog, for finding it while it runs.

@@ -49,11 +49,11 @@ constexpr int modifiedColumnWidth = 120;
 constexpr int typeColumnWidth = 60;
 
 /// The local files among dropped URLs; other URLs are skipped.
-QList<std::filesystem::path> droppedLocations(const QMimeData *mimeData)
+QList<NativePath> droppedLocations(const QMimeData *mimeData)
 {
-    QList<std::filesystem::path> locations;
+    QList<NativePath> locations;
     for (const QUrl &url : mimeData->urls()) {
-        if (const auto location = nativepath::fromLocalFileUrl(url))
+        if (const auto location = NativePath::fromLocalFileUrl(url))
             locations.append(*location);
     }
     return locations;
@@ -339,7 +339,7 @@ void FileListView::showContextMenu(const QPoint &position)
     QAction *reveal = menu->addAction(FileManagerReveal::actionTitle());
     reveal->setObjectName(u"revealAction"_s);
     connect(reveal, &QAction::triggered, this, [this, ids] {
-        QList<std::filesystem::path> locations;
+        QList<NativePath> locations;
         for (const FileItem &item : filesWithIDs(ids))
             locations.append(item.url);
         m_reveal(locations);
@@ -455,7 +455,7 @@ void FileListView::dropEvent(QDropEvent *event)
         return;
     event->acceptProposedAction();
     // URLs that are not local files are skipped silently; a drop of nothing but those adds nothing.
-    const QList<std::filesystem::path> locations = droppedLocations(event->mimeData());
+    const QList<NativePath> locations = droppedLocations(event->mimeData());
     if (!locations.isEmpty())
         m_vm->addFiles(locations);
 }

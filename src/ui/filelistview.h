@@ -1,13 +1,13 @@
 #pragma once
 
 #include "model/fileitem.h"
+#include "model/nativepath.h"
 
 #include <QList>
 #include <QSet>
 #include <QUuid>
 #include <QWidget>
 
-#include <filesystem>
 #include <functional>
 
 class QAction;
@@ -36,7 +36,7 @@ class FileListView final : public QWidget
 
 public:
     /// Shows files selected in the platform's file manager.
-    using RevealFunction = std::function<void(const QList<std::filesystem::path> &)>;
+    using RevealFunction = std::function<void(const QList<NativePath> &)>;
 
     explicit FileListView(AppViewModel *vm, QWidget *parent = nullptr);
 

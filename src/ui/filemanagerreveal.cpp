@@ -17,11 +17,11 @@ namespace {
 
 #if !defined(Q_OS_MACOS) && !defined(Q_OS_WIN)
 /// Opens each distinct folder holding the items: the best that can be done without a FileManager1 service.
-void openFolders(const QList<std::filesystem::path> &locations)
+void openFolders(const QList<NativePath> &locations)
 {
     QSet<QString> opened;
-    for (const std::filesystem::path &location : locations) {
-        const QString folder = nativepath::toText(location.parent_path());
+    for (const NativePath &location : locations) {
+        const QString folder = location.parent().toText();
         if (!opened.contains(folder)) {
             opened.insert(folder);
             QDesktopServices::openUrl(QUrl::fromLocalFile(folder));
@@ -31,11 +31,11 @@ void openFolders(const QList<std::filesystem::path> &locations)
 
 /// The argument dbus-send reads as an array of strings. Its items are separated by commas, so commas inside
 /// the URLs are percent-encoded (which leaves the URLs equivalent).
-QString uriArrayArgument(const QList<std::filesystem::path> &locations)
+QString uriArrayArgument(const QList<NativePath> &locations)
 {
     QStringList uris;
-    for (const std::filesystem::path &location : locations) {
-        const QUrl url = QUrl::fromLocalFile(nativepath::toText(location));
+    for (const NativePath &location : locations) {
+        const QUrl url = QUrl::fromLocalFile(location.toText());
         uris << QString::fromUtf8(url.toEncoded()).replace(u',', u"%2C"_s);
     }
     return u"array:string:"_s + uris.join(u',');
@@ -55,22 +55,21 @@ QString FileManagerReveal::actionTitle()
 #endif
 }
 
-void FileManagerReveal::reveal(const QList<std::filesystem::path> &locations)
+void FileManagerReveal::reveal(const QList<NativePath> &locations)
 {
     if (locations.isEmpty())
         return;
 #if defined(Q_OS_MACOS)
     QStringList arguments{u"-R"_s};
-    for (const std::filesystem::path &location : locations)
-        arguments << nativepath::toText(location);
+    for (const NativePath &location : locations)
+        arguments << location.toText();
     QProcess::startDetached(u"open"_s, arguments);
 #elif defined(Q_OS_WIN)
     // Explorer selects one item per window: the first is shown. The path is quoted by hand because Explorer
     // does not read "/select," and a quoted path as one argument.
     QProcess explorer;
     explorer.setProgram(u"explorer.exe"_s);
-    explorer.setNativeArguments(
-        u"/select,\""_s + QDir::toNativeSeparators(nativepath::toText(locations.first())) + u'"');
+    explorer.setNativeArguments(u"/select,\""_s + QDir::toNativeSeparators(locations.first().toText()) + u'"');
     explorer.startDetached();
 #else
     auto *process = new QProcess(QCoreApplication::instance());

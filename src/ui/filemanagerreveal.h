@@ -1,9 +1,9 @@
 #pragma once
 
+#include "model/nativepath.h"
+
 #include <QList>
 #include <QString>
-
-#include <filesystem>
 
 namespace quillfern {
 
@@ -19,7 +19,7 @@ public:
     [[nodiscard]] static QString actionTitle();
 
     /// Asks the file manager to show these items selected; returns at once, failures are not reported.
-    static void reveal(const QList<std::filesystem::path> &locations);
+    static void reveal(const QList<NativePath> &locations);
 };
 
 } // namespace quillfern

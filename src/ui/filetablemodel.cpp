@@ -70,7 +70,7 @@ QVariant FileTableModel::data(const QModelIndex &index, int role) const
     case Qt::ForegroundRole:
         return column == NameColumn ? QVariant() : QVariant(AppColors::secondary());
     case Qt::ToolTipRole:
-        return column == NameColumn ? QVariant(nativepath::toText(file(index.row()).url)) : QVariant();
+        return column == NameColumn ? QVariant(file(index.row()).url.toText()) : QVariant();
     }
     return {};
 }
@@ -185,7 +185,7 @@ QIcon FileTableModel::iconFor(const FileItem &item) const
     const QString kind = item.isDirectory ? u"/"_s : item.fileExtension().toLower();
     auto found = m_iconsByKind.find(kind);
     if (found == m_iconsByKind.end())
-        found = m_iconsByKind.insert(kind, m_iconProvider.icon(QFileInfo(nativepath::toText(item.url))));
+        found = m_iconsByKind.insert(kind, m_iconProvider.icon(QFileInfo(item.url.toText())));
     return *found;
 }
 

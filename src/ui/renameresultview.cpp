@@ -77,7 +77,7 @@ QWidget *makeErrorRow(const RenameResult &result, int rowWidth, QWidget *parent)
     auto *mark = new QLabel(row);
     mark->setPixmap(SymbolIcons::icon(u"xmark.circle.fill"_s, AppColors::danger()).pixmap(markSize, markSize));
 
-    const QString name = nativepath::toText(result.originalURL.filename());
+    const QString name = result.originalURL.fileNameText();
     // A failure without words says so rather than leaving the row blank.
     const QString reason = result.error.value_or(QString()).isEmpty() ? u"Unknown error"_s : *result.error;
     const QFontMetrics nameMetrics(captionFont);

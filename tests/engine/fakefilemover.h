@@ -17,23 +17,23 @@ namespace quillfern {
 class FakeFileMover final : public FileMover
 {
 public:
-    explicit FakeFileMover(const QList<std::filesystem::path> &existing, bool ignoresCase = false)
+    explicit FakeFileMover(const QList<NativePath> &existing, bool ignoresCase = false)
         : m_ignoresCase(ignoresCase)
     {
-        for (const std::filesystem::path &path : existing)
+        for (const NativePath &path : existing)
             m_items.insert(key(path));
     }
 
     /// The move asked for as the `callNumber`-th (from 0) fails with the message.
     void failMove(qsizetype callNumber, const QString &message) { m_failures.insert(callNumber, message); }
 
-    std::optional<MoveError> move(const std::filesystem::path &from, const std::filesystem::path &to) override
+    std::optional<MoveError> move(const NativePath &from, const NativePath &to) override
     {
         if (const auto failure = m_failures.constFind(m_moves.size()); failure != m_failures.cend()) {
-            m_moves.append({nativepath::toText(from), nativepath::toText(to)});
+            m_moves.append({from.toText(), to.toText()});
             return MoveError{MoveError::Kind::Other, *failure};
         }
-        m_moves.append({nativepath::toText(from), nativepath::toText(to)});
+        m_moves.append({from.toText(), to.toText()});
         if (!m_items.contains(key(from)))
             return MoveError{MoveError::Kind::Other, QStringLiteral("No such file or directory")};
         if (m_items.contains(key(to)))
@@ -43,20 +43,25 @@ public:
         return std::nullopt;
     }
 
-    bool isSameItem(const std::filesystem::path &first, const std::filesystem::path &second) override
+    bool isSameItem(const NativePath &first, const NativePath &second) override
     {
         return m_items.contains(key(first)) && key(first) == key(second);
     }
 
-    bool exists(const std::filesystem::path &path) override { return m_items.contains(key(path)); }
+    bool exists(const NativePath &path) override { return m_items.contains(key(path)); }
+
+    void finishBatch() override { ++m_finishedBatches; }
+
+    /// How many batches the engine said were finished.
+    [[nodiscard]] int finishedBatches() const { return m_finishedBatches; }
 
     /// Every move asked for, as (from, to) texts, in order.
     [[nodiscard]] const QList<std::pair<QString, QString>> &moves() const { return m_moves; }
 
 private:
-    [[nodiscard]] QString key(const std::filesystem::path &path) const
+    [[nodiscard]] QString key(const NativePath &path) const
     {
-        const QString text = nativepath::toText(path);
+        const QString text = path.toText();
         return m_ignoresCase ? text.toLower() : text;
     }
 
@@ -64,6 +69,7 @@ private:
     QSet<QString> m_items;
     QHash<qsizetype, QString> m_failures;
     QList<std::pair<QString, QString>> m_moves;
+    int m_finishedBatches = 0;
 };
 
 } // namespace quillfern

@@ -25,7 +25,7 @@ QList<FileItem> filesAt(const QStringList &paths)
 {
     QList<FileItem> files;
     for (const QString &path : paths)
-        files.append(FileItem(nativepath::fromText(path)));
+        files.append(FileItem(NativePath::fromText(path)));
     return files;
 }
 

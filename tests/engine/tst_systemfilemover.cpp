@@ -7,6 +7,9 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 using namespace quillfern;
 using namespace Qt::StringLiterals;
 namespace fs = std::filesystem;
@@ -18,6 +21,7 @@ class TestSystemFileMover final : public QObject
 
 private Q_SLOTS:
     void init();
+    void cleanup();
     void movesAFile();
     void neverReplacesAnExistingItem_data();
     void neverReplacesAnExistingItem();
@@ -28,22 +32,34 @@ private Q_SLOTS:
     void fallbacksNeverReplace_data();
     void fallbacksNeverReplace();
     void linkingMovesASymbolicLinkItself();
+    void movesWithinAFolderItJustRenamed();
+    void aFinishedBatchForgetsItsFolder();
 
 private:
-    fs::path path(const QString &name) const { return nativepath::fromText(m_dir->filePath(name)); }
-    fs::path write(const QString &name, const QByteArray &content) const;
+    fs::path path(const QString &name) const { return NativePath::fromText(m_dir->filePath(name)).toStdPath(); }
+    /// An item of the test folder named relative to the folder's descriptor, as the mover names them.
+    posixmove::Location inFolder(const char *name) const { return {m_folderDescriptor, name}; }
+    NativePath write(const QString &name, const QByteArray &content) const;
     QByteArray read(const QString &name) const;
 
     std::unique_ptr<QTemporaryDir> m_dir;
+    int m_folderDescriptor = -1;
 };
 
 void TestSystemFileMover::init()
 {
     m_dir = std::make_unique<QTemporaryDir>();
     QVERIFY(m_dir->isValid());
+    m_folderDescriptor = open(QFile::encodeName(m_dir->path()).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    QVERIFY(m_folderDescriptor >= 0);
 }
 
-fs::path TestSystemFileMover::write(const QString &name, const QByteArray &content) const
+void TestSystemFileMover::cleanup()
+{
+    close(m_folderDescriptor);
+}
+
+NativePath TestSystemFileMover::write(const QString &name, const QByteArray &content) const
 {
     QFile file(m_dir->filePath(name));
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
@@ -155,14 +171,14 @@ void TestSystemFileMover::fallbacksNeverReplace()
         write(u"a"_s, "new");
     write(u"b"_s, "precious");
 
-    const std::optional<MoveError> refused = fallback(path(u"a"_s), path(u"b"_s));
+    const std::optional<MoveError> refused = fallback(inFolder("a"), inFolder("b"));
     QVERIFY(refused);
     QCOMPARE(refused->kind, MoveError::Kind::DestinationExists);
     QCOMPARE(refused->message, u"A file named “b” already exists."_s);
     QCOMPARE(read(u"b"_s), "precious");
     QVERIFY(fs::exists(path(u"a"_s)));
 
-    QCOMPARE(fallback(path(u"a"_s), path(u"c"_s)), std::nullopt);
+    QCOMPARE(fallback(inFolder("a"), inFolder("c")), std::nullopt);
     QVERIFY(!fs::exists(path(u"a"_s)));
     if (isFolder)
         QVERIFY(fs::is_directory(path(u"c/inner"_s)));
@@ -174,10 +190,41 @@ void TestSystemFileMover::linkingMovesASymbolicLinkItself()
 {
     write(u"target"_s, "data");
     fs::create_symlink("target", path(u"link"_s));
-    QCOMPARE(posixmove::moveByLinking(path(u"link"_s), path(u"moved"_s)), std::nullopt);
+    QCOMPARE(posixmove::moveByLinking(inFolder("link"), inFolder("moved")), std::nullopt);
     QVERIFY(fs::is_symlink(path(u"moved"_s)));
     QCOMPARE(fs::read_symlink(path(u"moved"_s)), fs::path("target"));
     QVERIFY(!fs::exists(fs::symlink_status(path(u"link"_s))));
+}
+
+void TestSystemFileMover::movesWithinAFolderItJustRenamed()
+{
+    QVERIFY(QDir(m_dir->path()).mkpath(u"d"_s));
+    write(u"d/a"_s, "data");
+    SystemFileMover mover;
+    QCOMPARE(mover.move(path(u"d/a"_s), path(u"d/b"_s)), std::nullopt);
+    QCOMPARE(mover.move(path(u"d"_s), path(u"e"_s)), std::nullopt);
+    QCOMPARE(mover.move(path(u"e/b"_s), path(u"e/c"_s)), std::nullopt);
+    QCOMPARE(read(u"e/c"_s), "data");
+    const std::optional<MoveError> gone = mover.move(path(u"d/c"_s), path(u"d/x"_s));
+    QVERIFY(gone);
+    QCOMPARE(gone->kind, MoveError::Kind::Other);
+}
+
+void TestSystemFileMover::aFinishedBatchForgetsItsFolder()
+{
+    // Between two batches the folder of the first moves away and another takes its name: the second batch
+    // renames in the folder that has the name now.
+    QVERIFY(QDir(m_dir->path()).mkpath(u"d"_s));
+    write(u"d/a"_s, "first");
+    SystemFileMover mover;
+    QCOMPARE(mover.move(path(u"d/a"_s), path(u"d/b"_s)), std::nullopt);
+    mover.finishBatch();
+    QVERIFY(QDir(m_dir->path()).rename(u"d"_s, u"old"_s));
+    QVERIFY(QDir(m_dir->path()).mkpath(u"d"_s));
+    write(u"d/b"_s, "second");
+    QCOMPARE(mover.move(path(u"d/b"_s), path(u"d/c"_s)), std::nullopt);
+    QCOMPARE(read(u"d/c"_s), "second");
+    QCOMPARE(read(u"old/b"_s), "first");
 }
 
 QTEST_APPLESS_MAIN(TestSystemFileMover)

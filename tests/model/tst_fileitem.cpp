@@ -60,7 +60,7 @@ void TestFileItem::splitsNameAndExtension()
     QFETCH(QString, name);
     QFETCH(QString, base);
     QFETCH(QString, extension);
-    const FileItem item(nativepath::fromText(path));
+    const FileItem item(NativePath::fromText(path));
     QCOMPARE(item.originalName(), name);
     QCOMPARE(item.nameWithoutExtension(), base);
     QCOMPARE(item.fileExtension(), extension);
@@ -71,11 +71,11 @@ void TestFileItem::folderNamesSplitLikeFiles()
 {
     const QString folder = m_dir.filePath(u"Photos.2024"_s);
     QVERIFY(QDir().mkpath(folder));
-    const FileItem item(nativepath::fromText(folder));
+    const FileItem item(NativePath::fromText(folder));
     QVERIFY(item.isDirectory);
     QCOMPARE(item.nameWithoutExtension(), u"Photos"_s);
     QCOMPARE(item.fileExtension(), u"2024"_s);
-    QCOMPARE(nativepath::toText(item.parentURL()), m_dir.path());
+    QCOMPARE(item.parentURL().toText(), m_dir.path());
 }
 
 void TestFileItem::creationProbesTheFileSystem()
@@ -84,13 +84,13 @@ void TestFileItem::creationProbesTheFileSystem()
     QFile file(filePath);
     QVERIFY(file.open(QIODevice::WriteOnly));
     file.close();
-    const FileItem plain(nativepath::fromText(filePath));
+    const FileItem plain(NativePath::fromText(filePath));
     QVERIFY(!plain.isDirectory);
     QVERIFY(plain.isSelected);
     QVERIFY(!plain.hasConflict);
     QVERIFY(!plain.id.isNull());
 
-    const FileItem missing(nativepath::fromText(m_dir.filePath(u"missing"_s)));
+    const FileItem missing(NativePath::fromText(m_dir.filePath(u"missing"_s)));
     QVERIFY(!missing.isDirectory);
     QCOMPARE(missing.fileSizeString(), u"—"_s);
     QCOMPARE(missing.modifiedDateString(), u"—"_s);
@@ -98,13 +98,13 @@ void TestFileItem::creationProbesTheFileSystem()
 
 void TestFileItem::itemsForOneUrlAreDistinct()
 {
-    const fs::path location = nativepath::fromText(m_dir.filePath(u"same.txt"_s));
+    const NativePath location = NativePath::fromText(m_dir.filePath(u"same.txt"_s));
     const FileItem first(location);
     const FileItem second(location);
     QVERIFY(first != second);
     FileItem copy = first;
     copy.previewName = u"changed"_s;
-    copy.url = location.parent_path();
+    copy.url = location.parent();
     QVERIFY(copy == first);
     QCOMPARE(qHash(copy), qHash(first));
     QCOMPARE(QSet<FileItem>({first, second, copy}).size(), 2);
@@ -115,25 +115,25 @@ void TestFileItem::keepsNamesThatAreNotUtf8()
 #ifdef Q_OS_WIN
     QSKIP("Windows names are UTF-16");
 #else
-    const fs::path location = fs::path(QFile::encodeName(m_dir.path()).toStdString()) / "caf\xe9 menu.txt";
-    std::ofstream(location) << "x";
+    const NativePath location = fs::path(QFile::encodeName(m_dir.path()).toStdString()) / "caf\xe9 menu.txt";
+    std::ofstream(location.toStdPath()) << "x";
     const FileItem item(location);
     QCOMPARE(item.originalName(), u"caf\uFFFD menu.txt"_s);
-    QCOMPARE(item.url.filename().native(), std::string("caf\xe9 menu.txt"));
+    QCOMPARE(item.url.fileName().native(), std::string("caf\xe9 menu.txt"));
     QCOMPARE(item.fileSizeString(), u"1 byte"_s);
-    QVERIFY(fs::exists(item.url));
+    QVERIFY(fs::exists(item.url.toStdPath()));
     // QTemporaryDir cannot remove a name it cannot decode.
-    fs::remove(location);
+    fs::remove(location.toStdPath());
 #endif
 }
 
 void TestFileItem::fileUrlsKeepTheirBytes()
 {
-    QCOMPARE(nativepath::fromLocalFileUrl(QUrl(u"https://example.org/a.txt"_s)), std::nullopt);
-    QCOMPARE(nativepath::fromLocalFileUrl(QUrl::fromLocalFile(u"/tmp/caf\u00e9 1.txt"_s)),
-             std::optional(nativepath::fromText(u"/tmp/caf\u00e9 1.txt"_s)));
+    QCOMPARE(NativePath::fromLocalFileUrl(QUrl(u"https://example.org/a.txt"_s)), std::nullopt);
+    QCOMPARE(NativePath::fromLocalFileUrl(QUrl::fromLocalFile(u"/tmp/caf\u00e9 1.txt"_s)),
+        std::optional(NativePath::fromText(u"/tmp/caf\u00e9 1.txt"_s)));
 #ifndef Q_OS_WIN
-    const auto raw = nativepath::fromLocalFileUrl(QUrl::fromEncoded("file:///tmp/caf%E9%20menu.txt"));
+    const auto raw = NativePath::fromLocalFileUrl(QUrl::fromEncoded("file:///tmp/caf%E9%20menu.txt"));
     QVERIFY(raw);
     QCOMPARE(raw->native(), std::string("/tmp/caf\xe9 menu.txt"));
 #endif
@@ -170,7 +170,7 @@ void TestFileItem::showsSizeAndDateOrADash()
     QVERIFY(file.open(QIODevice::WriteOnly));
     QVERIFY(file.resize(1'500'000));
     file.close();
-    const FileItem item(nativepath::fromText(filePath));
+    const FileItem item(NativePath::fromText(filePath));
     QCOMPARE(item.fileSizeString(), u"1.5 MB"_s);
     const QString date = item.modifiedDateString();
     QVERIFY2(date != u"—"_s && date.contains(QString::number(QDate::currentDate().year() % 100)), qPrintable(date));
@@ -178,7 +178,7 @@ void TestFileItem::showsSizeAndDateOrADash()
 
 void TestFileItem::attributesOfAFolderHaveNoSize()
 {
-    const fs::path folder = nativepath::fromText(m_dir.path());
+    const NativePath folder = NativePath::fromText(m_dir.path());
     QCOMPARE(fileattributes::fileSize(folder), std::nullopt);
     QVERIFY(fileattributes::modificationDate(folder).has_value());
     QCOMPARE(FileItem(folder).fileSizeString(), u"—"_s);

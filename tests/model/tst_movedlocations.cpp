@@ -4,7 +4,6 @@
 
 using namespace quillfern;
 using namespace Qt::StringLiterals;
-namespace fs = std::filesystem;
 
 class TestMovedLocations final : public QObject
 {
@@ -37,7 +36,7 @@ void TestMovedLocations::followsItemsIntoMovedFolders()
     // "/a/e" was renamed after its parent moved, so it went from "/b/e" to "/b/g"; it is recorded under the
     // location it was listed at.
     moved.record("/a/e", "/b/g");
-    QCOMPARE(QString::fromStdString(moved.currentLocation(location.toStdString()).string()), expected);
+    QCOMPARE(moved.currentLocation(NativePath::fromText(location)).toText(), expected);
 }
 
 QTEST_APPLESS_MAIN(TestMovedLocations)

@@ -1,18 +1,19 @@
 #pragma once
 
+#include "model/nativepath.h"
 #include "state/panelprovider.h"
 
 /// A panel provider that answers with prepared choices and records what it was asked.
 class FakePanelProvider final : public quillfern::PanelProvider
 {
 public:
-    std::optional<QList<std::filesystem::path>> chooseFilesAndFolders(const QString &title) override
+    std::optional<QList<quillfern::NativePath>> chooseFilesAndFolders(const QString &title) override
     {
         openTitles << title;
         return openAnswer;
     }
 
-    std::optional<std::filesystem::path> chooseSaveLocation(const QString &proposedName,
+    std::optional<quillfern::NativePath> chooseSaveLocation(const QString &proposedName,
         const QString &nameFilter) override
     {
         proposedNames << proposedName;
@@ -20,8 +21,8 @@ public:
         return saveAnswer;
     }
 
-    std::optional<QList<std::filesystem::path>> openAnswer;
-    std::optional<std::filesystem::path> saveAnswer;
+    std::optional<QList<quillfern::NativePath>> openAnswer;
+    std::optional<quillfern::NativePath> saveAnswer;
     QStringList openTitles;
     QStringList proposedNames;
     QStringList nameFilters;

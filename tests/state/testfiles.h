@@ -8,8 +8,6 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <filesystem>
-
 /// The current names of the items, in order.
 inline QStringList names(const QList<quillfern::FileItem> &items)
 {
@@ -23,12 +21,12 @@ inline QStringList names(const QList<quillfern::FileItem> &items)
 class TestFiles final
 {
 public:
-    [[nodiscard]] std::filesystem::path path(const QString &relative) const
+    [[nodiscard]] quillfern::NativePath path(const QString &relative) const
     {
-        return quillfern::nativepath::fromText(m_dir.filePath(relative));
+        return quillfern::NativePath::fromText(m_dir.filePath(relative));
     }
 
-    std::filesystem::path file(const QString &relative, const QByteArray &content = {}) const
+    quillfern::NativePath file(const QString &relative, const QByteArray &content = {}) const
     {
         const QString full = m_dir.filePath(relative);
         QDir().mkpath(QFileInfo(full).absolutePath());
@@ -38,7 +36,7 @@ public:
         return path(relative);
     }
 
-    std::filesystem::path folder(const QString &relative) const
+    quillfern::NativePath folder(const QString &relative) const
     {
         QDir().mkpath(m_dir.filePath(relative));
         return path(relative);

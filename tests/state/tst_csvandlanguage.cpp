@@ -20,9 +20,9 @@ RenameRule replaceRule(const QString &find, const QString &replacement)
     return rule;
 }
 
-QByteArray readAll(const fs::path &path)
+QByteArray readAll(const NativePath &path)
 {
-    QFile file(QString::fromStdString(path.string()));
+    QFile file(path.toText());
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("<unreadable>");
 }
 
@@ -91,7 +91,7 @@ void TestCsvAndLanguage::exportWritesUtf8WithoutBom()
     AppViewModel vm;
     vm.setPanelProvider(&panels);
     vm.addFiles({files.file(u"café.txt"_s)});
-    const fs::path target = files.file(u"out/existing.csv"_s, "old contents that are longer");
+    const NativePath target = files.file(u"out/existing.csv"_s, "old contents that are longer");
     panels.saveAnswer = target;
     vm.exportCSVToFile(u"CSV files (*.csv)"_s);
     QCOMPARE(panels.proposedNames, QStringList{u"rename_preview.csv"_s});

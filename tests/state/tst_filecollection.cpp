@@ -16,9 +16,9 @@ namespace fs = std::filesystem;
 
 namespace {
 
-void setModificationTime(const fs::path &path, int secondsAgo)
+void setModificationTime(const NativePath &path, int secondsAgo)
 {
-    fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::seconds(secondsAgo));
+    fs::last_write_time(path.toStdPath(), fs::file_time_type::clock::now() - std::chrono::seconds(secondsAgo));
 }
 
 } // namespace
@@ -127,23 +127,23 @@ void TestFileCollection::namesThatAreNotUtf8AreListed()
     QSKIP("Windows names are UTF-16");
 #else
     TestFiles files;
-    const fs::path folder = files.folder(u"legacy"_s);
-    std::ofstream(folder / "r\xe9sum\xe9.doc") << "x";
+    const NativePath folder = files.folder(u"legacy"_s);
+    std::ofstream((folder / "r\xe9sum\xe9.doc").toStdPath()) << "x";
     AppViewModel vm;
     vm.setIncludeSubfolders(true);
     vm.addFiles({folder});
     QCOMPARE(vm.files().size(), 1);
-    QCOMPARE(vm.files().first().url.filename().native(), std::string("r\xe9sum\xe9.doc"));
+    QCOMPARE(vm.files().first().url.fileName().native(), std::string("r\xe9sum\xe9.doc"));
     QCOMPARE(vm.files().first().originalName(), u"r\uFFFDsum\uFFFD.doc"_s);
     // QTemporaryDir cannot remove a name it cannot decode.
-    fs::remove(vm.files().first().url);
+    fs::remove(vm.files().first().url.toStdPath());
 #endif
 }
 
 void TestFileCollection::knownUrlIsNotAddedAgain()
 {
     TestFiles files;
-    const fs::path a = files.file(u"a.txt"_s);
+    const NativePath a = files.file(u"a.txt"_s);
     AppViewModel vm;
     vm.addFiles({a});
     const QUuid id = vm.files().first().id;
@@ -155,7 +155,7 @@ void TestFileCollection::knownUrlIsNotAddedAgain()
 void TestFileCollection::trailingSeparatorNamesTheSameFolder()
 {
     TestFiles files;
-    const fs::path folder = files.folder(u"album"_s);
+    const NativePath folder = files.folder(u"album"_s);
     AppViewModel vm;
     vm.addFiles({folder});
     vm.addFiles({folder / ""});
@@ -166,7 +166,7 @@ void TestFileCollection::trailingSeparatorNamesTheSameFolder()
 void TestFileCollection::sameNewUrlTwiceInOneCallIsAddedTwice()
 {
     TestFiles files;
-    const fs::path a = files.file(u"a.txt"_s);
+    const NativePath a = files.file(u"a.txt"_s);
     AppViewModel vm;
     vm.addFiles({a, a});
     QCOMPARE(vm.files().size(), 2);
@@ -244,8 +244,8 @@ void TestFileCollection::nameSortIsNotNumeric()
 void TestFileCollection::dateSortPutsNewestFirstAndUndatedLast()
 {
     TestFiles files;
-    const fs::path old = files.file(u"old.txt"_s);
-    const fs::path recent = files.file(u"recent.txt"_s);
+    const NativePath old = files.file(u"old.txt"_s);
+    const NativePath recent = files.file(u"recent.txt"_s);
     setModificationTime(old, 3600);
     setModificationTime(recent, 60);
     AppViewModel vm;
@@ -372,7 +372,7 @@ void TestFileCollection::selectFilesAddsChosenOrNothingOnCancel()
     vm.selectFiles();
     QVERIFY(vm.files().isEmpty());
     QCOMPARE(panels.openTitles, QStringList{u"Add Files & Folders"_s});
-    panels.openAnswer = QList<fs::path>{files.file(u"b.txt"_s), files.file(u"a.txt"_s)};
+    panels.openAnswer = QList<NativePath>{files.file(u"b.txt"_s), files.file(u"a.txt"_s)};
     vm.selectFiles();
     QCOMPARE(names(vm.files()), (QStringList{u"b.txt"_s, u"a.txt"_s}));
 }

@@ -35,7 +35,7 @@ RenameRule insertAtEnd(const QString &text)
 class RecordingMover final : public FileMover
 {
 public:
-    std::optional<MoveError> move(const fs::path &from, const fs::path &to) override
+    std::optional<MoveError> move(const NativePath &from, const NativePath &to) override
     {
         {
             const std::lock_guard lock(m_mutex);
@@ -43,11 +43,11 @@ public:
         }
         return m_system.move(from, to);
     }
-    bool isSameItem(const fs::path &first, const fs::path &second) override
+    bool isSameItem(const NativePath &first, const NativePath &second) override
     {
         return m_system.isSameItem(first, second);
     }
-    bool exists(const fs::path &path) override { return m_system.exists(path); }
+    bool exists(const NativePath &path) override { return m_system.exists(path); }
 
     QList<QThread *> threads;
 
@@ -280,7 +280,7 @@ void TestRenameFlow::renamedItemsAreFreshAndFailedOnesKeepTheirIds()
     QCOMPARE(vm.files()[0].previewName, u"a_1.txt"_s);
     QCOMPARE(vm.files()[1].id, oldB);
     QCOMPARE(vm.files()[1].originalName(), u"b.txt"_s);
-    QFile kept(QString::fromStdString(files.path(u"b_1.txt"_s).string()));
+    QFile kept(files.path(u"b_1.txt"_s).toText());
     QVERIFY(kept.open(QIODevice::ReadOnly));
     QCOMPARE(kept.readAll(), QByteArray("keep me"));
 }
@@ -288,7 +288,7 @@ void TestRenameFlow::renamedItemsAreFreshAndFailedOnesKeepTheirIds()
 void TestRenameFlow::onlyTheFirstOfTwoItemsWithOneUrlIsReplaced()
 {
     TestFiles files;
-    const fs::path a = files.file(u"a.txt"_s);
+    const NativePath a = files.file(u"a.txt"_s);
     AppViewModel vm;
     vm.addFiles({a, a});
     vm.setFileSelected(vm.files()[1].id, false);
@@ -386,7 +386,7 @@ void TestRenameFlow::folderAndItsContentsAreRenamedTogether()
     QVERIFY(files.exists(u"top/Sub/keep.md"_s));
     // The unchanged item moved with its folder and is still the same item.
     for (const FileItem &item : vm.files())
-        QVERIFY2(fs::exists(item.url), item.url.c_str());
+        QVERIFY2(fs::exists(item.url.toStdPath()), item.url.c_str());
 }
 
 QTEST_GUILESS_MAIN(TestRenameFlow)

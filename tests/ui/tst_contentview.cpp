@@ -46,12 +46,12 @@ RenameRule sameExtensionRule()
 class SilentlyFailingMover final : public FileMover
 {
 public:
-    std::optional<MoveError> move(const std::filesystem::path &, const std::filesystem::path &) override
+    std::optional<MoveError> move(const NativePath &, const NativePath &) override
     {
         return MoveError{MoveError::Kind::Other, {}};
     }
-    bool isSameItem(const std::filesystem::path &, const std::filesystem::path &) override { return false; }
-    bool exists(const std::filesystem::path &) override { return false; }
+    bool isSameItem(const NativePath &, const NativePath &) override { return false; }
+    bool exists(const NativePath &) override { return false; }
 };
 
 QString labelText(const QWidget *parent, const QString &objectName)
@@ -416,13 +416,13 @@ void TestContentView::shortcutOpensAlertWithoutRenaming()
     QVERIFY(alert);
     QVERIFY(!m_vm->isRenaming());
     QVERIFY(m_vm->undoStack().isEmpty());
-    QVERIFY(std::filesystem::exists(paths.constFirst()));
+    QVERIFY(std::filesystem::exists(paths.constFirst().toStdPath()));
 
     // Return answers the default button, which is Cancel: the shortcut and Return together never rename.
     QTest::keyClick(alert, Qt::Key_Return);
     QTRY_VERIFY(!m_view->isConfirmingRename());
     QVERIFY(m_vm->undoStack().isEmpty());
-    QVERIFY(std::filesystem::exists(paths.constFirst()));
+    QVERIFY(std::filesystem::exists(paths.constFirst().toStdPath()));
 }
 
 void TestContentView::cancellingTheAlertRenamesNothing()
@@ -435,7 +435,7 @@ void TestContentView::cancellingTheAlertRenamesNothing()
     QTRY_VERIFY(!m_view->isConfirmingRename());
     QVERIFY(m_vm->undoStack().isEmpty());
     QVERIFY(!m_vm->showRenameResult());
-    QVERIFY(std::filesystem::exists(paths.constFirst()));
+    QVERIFY(std::filesystem::exists(paths.constFirst().toStdPath()));
 }
 
 void TestContentView::confirmingRenamesAndShowsSuccess()

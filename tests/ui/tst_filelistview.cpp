@@ -25,9 +25,9 @@
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QToolButton>
 
 #include <fstream>
-#include <QToolButton>
 
 using namespace quillfern;
 using namespace Qt::StringLiterals;
@@ -46,17 +46,17 @@ Widget *child(const QObject *parent, const QString &name)
 }
 
 /// Creates a file (or, for a name ending in "/", a folder) in `dir` and returns its location.
-fs::path create(const QTemporaryDir &dir, const QString &name, const QByteArray &content = {})
+NativePath create(const QTemporaryDir &dir, const QString &name, const QByteArray &content = {})
 {
     const QString path = dir.filePath(name);
     if (name.endsWith(u'/')) {
         QDir().mkpath(path);
-        return nativepath::fromText(QDir(path).absolutePath());
+        return NativePath::fromText(QDir(path).absolutePath());
     }
     QFile file(path);
     if (!file.open(QIODevice::WriteOnly) || file.write(content) != content.size())
         qFatal("cannot create %s", qPrintable(path));
-    return nativepath::fromText(path);
+    return NativePath::fromText(path);
 }
 
 /// A rule that deletes every digit, so "x1.txt" and "x2.txt" both become "x.txt".
@@ -139,7 +139,7 @@ private Q_SLOTS:
 
 private:
     /// Adds files named `names` from the temporary folder and lays the view out.
-    QList<fs::path> addFiles(const QStringList &names);
+    QList<NativePath> addFiles(const QStringList &names);
     [[nodiscard]] QTableView *table() const { return child<QTableView>(m_view.get(), u"fileTable"_s); }
     [[nodiscard]] QString statusText() const { return child<PaneLabel>(m_view.get(), u"statusLabel"_s)->text(); }
     [[nodiscard]] int rowNamed(const QString &name) const;
@@ -169,9 +169,9 @@ void TestFileListView::cleanup()
     m_dir.reset();
 }
 
-QList<fs::path> TestFileListView::addFiles(const QStringList &names)
+QList<NativePath> TestFileListView::addFiles(const QStringList &names)
 {
-    QList<fs::path> locations;
+    QList<NativePath> locations;
     for (const QString &name : names)
         locations << create(*m_dir, name, name.toUtf8());
     m_vm->addFiles(locations);
@@ -445,7 +445,7 @@ void TestFileListView::importAndBrowseOpenThePanel()
 {
     QFETCH(QString, button);
     FakePanelProvider panels;
-    panels.openAnswer = QList<fs::path>{create(*m_dir, u"chosen.txt"_s)};
+    panels.openAnswer = QList<NativePath>{create(*m_dir, u"chosen.txt"_s)};
     m_vm->setPanelProvider(&panels);
     QTest::mouseClick(child<QPushButton>(m_view.get(), button), Qt::LeftButton);
     QCOMPARE(panels.openTitles, QStringList{u"Add Files & Folders"_s});
@@ -478,10 +478,10 @@ void TestFileListView::droppedFilesAreAdded()
     QFETCH(bool, ontoTable);
     if (ontoTable)
         addFiles({u"existing.txt"_s});
-    const fs::path file = create(*m_dir, u"dropped file.txt"_s);
-    const fs::path folder = create(*m_dir, u"dropped folder/"_s);
+    const NativePath file = create(*m_dir, u"dropped file.txt"_s);
+    const NativePath folder = create(*m_dir, u"dropped folder/"_s);
     std::unique_ptr<QMimeData> data(
-        urlData({QUrl::fromLocalFile(nativepath::toText(file)), QUrl::fromLocalFile(nativepath::toText(folder))}));
+        urlData({QUrl::fromLocalFile(file.toText()), QUrl::fromLocalFile(folder.toText())}));
     QWidget *target = ontoTable ? table()->viewport() : child<DropZoneView>(m_view.get(), u"dropZone"_s);
     drop(target, data.get());
 
@@ -509,9 +509,9 @@ void TestFileListView::droppedNameThatIsNotUtf8KeepsItsBytes()
     drop(child<DropZoneView>(m_view.get(), u"dropZone"_s), data.get());
     QCOMPARE(m_vm->files().size(), 1);
     QCOMPARE(m_vm->files().first().url.native(), folder + "/caf\xe9.txt");
-    QVERIFY(fs::exists(m_vm->files().first().url));
+    QVERIFY(fs::exists(m_vm->files().first().url.toStdPath()));
     // QTemporaryDir cannot remove a name it cannot decode.
-    fs::remove(m_vm->files().first().url);
+    fs::remove(m_vm->files().first().url.toStdPath());
 #endif
 }
 
@@ -631,15 +631,15 @@ void TestFileListView::contextMenuWorksOnClickedRowOrSelection()
 
 void TestFileListView::contextMenuRevealsFiles()
 {
-    const QList<fs::path> locations = addFiles({u"a.txt"_s, u"b.txt"_s, u"c.txt"_s});
-    QList<fs::path> revealed;
-    m_view->setRevealFunction([&](const QList<fs::path> &shown) { revealed = shown; });
+    const QList<NativePath> locations = addFiles({u"a.txt"_s, u"b.txt"_s, u"c.txt"_s});
+    QList<NativePath> revealed;
+    m_view->setRevealFunction([&](const QList<NativePath> &shown) { revealed = shown; });
     m_vm->setSelectedFileIDs({m_vm->files().at(0).id, m_vm->files().at(2).id});
     QMenu *menu = openContextMenuAt(rowNamed(u"c.txt"_s));
     QVERIFY(menu);
     child<QAction>(menu, u"revealAction"_s)->trigger();
     menu->close();
-    QCOMPARE(revealed, (QList<fs::path>{locations[0], locations[2]}));
+    QCOMPARE(revealed, (QList<NativePath>{locations[0], locations[2]}));
     QCOMPARE(m_vm->files().size(), 3);
 }
 

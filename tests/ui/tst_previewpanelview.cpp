@@ -36,11 +36,11 @@ Widget *child(const QObject *parent, const QString &name)
 }
 
 /// Items for names that need not exist: the preview never touches the disk.
-QList<fs::path> locations(const QStringList &names)
+QList<NativePath> locations(const QStringList &names)
 {
-    QList<fs::path> paths;
+    QList<NativePath> paths;
     for (const QString &name : names)
-        paths << nativepath::fromText(u"/nonexistent-quillfern-test/"_s + name);
+        paths << NativePath::fromText(u"/nonexistent-quillfern-test/"_s + name);
     return paths;
 }
 
@@ -211,7 +211,7 @@ void TestPreviewPanelView::rowsFollowPreviewsByPosition()
 {
     // Two files of the same name in different folders: equal rows must both be shown.
     m_vm->addFiles(
-        {nativepath::fromText(u"/nonexistent-1/same.txt"_s), nativepath::fromText(u"/nonexistent-2/same.txt"_s)});
+        {NativePath::fromText(u"/nonexistent-1/same.txt"_s), NativePath::fromText(u"/nonexistent-2/same.txt"_s)});
     m_vm->addRule(replace(u"same"_s, u"new"_s));
     const QAbstractItemModel *model = list()->model();
     QCOMPARE(model->rowCount(), 2);
@@ -298,7 +298,7 @@ void TestPreviewPanelView::exportAsksForCsvLocation()
     const QString target = dir.filePath(u"rename_preview.csv"_s);
     FakePanelProvider panels;
     if (confirmed)
-        panels.saveAnswer = nativepath::fromText(target);
+        panels.saveAnswer = NativePath::fromText(target);
     m_vm->setPanelProvider(&panels);
     m_vm->addFiles(locations({u"a.txt"_s}));
     m_vm->addRule(replace(u"a"_s, u"z"_s));

@@ -15,7 +15,6 @@
 #include <QWidget>
 
 #include <condition_variable>
-#include <filesystem>
 #include <functional>
 #include <memory>
 #include <mutex>
@@ -55,15 +54,15 @@ void answerWhenShown(const QString &objectName, std::function<void(T *)> answer,
 }
 
 /// Creates empty files with these names in `directory` and returns their paths in the same order.
-inline QList<std::filesystem::path> createFiles(const QTemporaryDir &directory, const QStringList &names)
+inline QList<quillfern::NativePath> createFiles(const QTemporaryDir &directory, const QStringList &names)
 {
-    QList<std::filesystem::path> paths;
+    QList<quillfern::NativePath> paths;
     for (const QString &name : names) {
         const QString path = QDir(directory.path()).filePath(name);
         QFile file(path);
         if (!file.open(QIODevice::WriteOnly))
             qFatal("cannot create a test file");
-        paths.append(nativepath::fromText(path));
+        paths.append(NativePath::fromText(path));
     }
     return paths;
 }
@@ -114,17 +113,17 @@ public:
         m_released.notify_all();
     }
 
-    std::optional<MoveError> move(const std::filesystem::path &from, const std::filesystem::path &to) override
+    std::optional<MoveError> move(const quillfern::NativePath &from, const quillfern::NativePath &to) override
     {
         std::unique_lock lock(m_mutex);
         m_released.wait(lock, [this] { return m_isReleased; });
         return m_system.move(from, to);
     }
-    bool isSameItem(const std::filesystem::path &first, const std::filesystem::path &second) override
+    bool isSameItem(const quillfern::NativePath &first, const quillfern::NativePath &second) override
     {
         return m_system.isSameItem(first, second);
     }
-    bool exists(const std::filesystem::path &path) override { return m_system.exists(path); }
+    bool exists(const quillfern::NativePath &path) override { return m_system.exists(path); }
 
 private:
     SystemFileMover m_system;
