@@ -173,11 +173,11 @@ std::optional<QList<RenameRule>> CliTool::collectRules()
     return rules;
 }
 
-bool CliTool::prepare(AppViewModel &vm)
+std::optional<QList<RenameRule>> CliTool::prepare(AppViewModel &vm)
 {
-    const auto rules = collectRules();
+    auto rules = collectRules();
     if (!rules)
-        return false;
+        return std::nullopt;
     vm.setIncludeSubfolders(m_options.recursive);
     vm.setFilterText(m_options.filterText);
     vm.setShowOnlyFiles(m_options.filesOnly);
@@ -189,18 +189,24 @@ bool CliTool::prepare(AppViewModel &vm)
     const QString violation = RenameEngine::preconditionViolation(*rules, vm.filteredFiles().size());
     if (!violation.isEmpty()) {
         fail(violation);
-        return false;
+        return std::nullopt;
     }
+    return rules;
+}
+
+void CliTool::showPreview(AppViewModel &vm, const QList<RenameRule> &rules)
+{
     // Loading all rules at once computes the preview once, not once per rule.
-    vm.loadPreset(Preset(u"command line"_s, *rules));
-    return true;
+    vm.loadPreset(Preset(u"command line"_s, rules));
 }
 
 int CliTool::runPreview()
 {
     AppViewModel vm;
-    if (!prepare(vm))
+    const auto rules = prepare(vm);
+    if (!rules)
         return BadInput;
+    showPreview(vm, *rules);
     switch (m_options.format) {
     case CliOptions::Format::Csv:
         m_out << vm.exportCSV();
@@ -223,30 +229,42 @@ bool CliTool::confirm(qsizetype count)
     return answer == u"y"_s || answer == u"yes"_s;
 }
 
+std::optional<int> CliTool::confirmPreview(AppViewModel &vm)
+{
+    const QList<PreviewEntry> shown = vm.previews();
+    const auto changes = std::count_if(shown.cbegin(), shown.cend(), [](const PreviewEntry &entry) {
+        return entry.original != entry.preview;
+    });
+    if (changes == 0)
+        return std::nullopt;
+    if (!isTerminal(stdin))
+        return fail(u"refusing to rename without confirmation: pass --yes when not on a terminal"_s);
+    m_out << PreviewPrinter::table(shown, isTerminal(stdout));
+    if (!confirm(changes)) {
+        m_out << "Nothing renamed.\n";
+        return Success;
+    }
+    // Time passed while the user read the preview: what is renamed must still be what was confirmed.
+    vm.updatePreviews();
+    if (vm.previews() != shown)
+        return fail(u"the files or their new names changed while waiting for confirmation; nothing was renamed"_s);
+    return std::nullopt;
+}
+
 int CliTool::runRename()
 {
     AppViewModel vm;
-    if (!prepare(vm))
+    const auto rules = prepare(vm);
+    if (!rules)
         return BadInput;
-    const auto changes = std::count_if(vm.previews().cbegin(), vm.previews().cend(), [](const PreviewEntry &entry) {
-        return entry.original != entry.preview;
-    });
-    if (changes > 0 && !m_options.assumeYes) {
-        if (!isTerminal(stdin))
-            return fail(u"refusing to rename without confirmation: pass --yes when not on a terminal"_s);
-        const QList<PreviewEntry> shown = vm.previews();
-        m_out << PreviewPrinter::table(shown, isTerminal(stdout));
-        if (!confirm(changes)) {
-            m_out << "Nothing renamed.\n";
-            return Success;
-        }
-        // Time passed while the user read the preview: what is renamed must still be what was confirmed.
-        vm.updatePreviews();
-        if (vm.previews() != shown)
-            return fail(u"the files or their new names changed while waiting for confirmation; nothing was renamed"_s);
+    // With --yes nobody reads a preview, so none is computed: the engine names the same list the same way.
+    if (!m_options.assumeYes) {
+        showPreview(vm, *rules);
+        if (const std::optional<int> refused = confirmPreview(vm))
+            return *refused;
     }
     // What the preview shows, in its order, is what is renamed: the filtered, sorted list with its numbering.
-    const QList<RenameResult> results = RenameEngine::rename(vm.filteredFiles(), vm.rules());
+    const QList<RenameResult> results = RenameEngine::rename(vm.filteredFiles(), *rules);
     if (m_options.json) {
         m_out << PreviewPrinter::resultJson(results);
         m_err << PreviewPrinter::resultSummary(results) << '\n';

@@ -34,13 +34,17 @@ private:
     int runParse();
     int runPresets();
 
-    /// Fills the state object with the paths and rules as the window would; prints why and returns false
-    /// when the rules are unusable.
-    bool prepare(AppViewModel &vm);
+    /// Adds the paths to the state object as the window would and returns the rules for them, not yet given
+    /// to the state object; none, after printing why, when the rules are unusable.
+    std::optional<QList<RenameRule>> prepare(AppViewModel &vm);
+    /// Gives the rules to the state object, which previews them.
+    static void showPreview(AppViewModel &vm, const QList<RenameRule> &rules);
     /// The rules of every source, in order; none after printing why.
     std::optional<QList<RenameRule>> collectRules();
     std::optional<QList<RenameRule>> readRulesFile(const QString &fileName);
     bool confirm(qsizetype count);
+    /// Shows the preview and asks before anything is renamed; none to go on, else the exit status to end with.
+    std::optional<int> confirmPreview(AppViewModel &vm);
     int fail(const QString &message);
 
     CliOptions m_options;

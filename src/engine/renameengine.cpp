@@ -1,6 +1,7 @@
 #include "engine/renameengine.h"
 
 #include "engine/newnamecheck_p.h"
+#include "engine/parallelchunks.h"
 #include "engine/preconditions_p.h"
 #include "engine/rulepipeline_p.h"
 #include "engine/systemfilemover.h"
@@ -8,9 +9,7 @@
 #include "model/nativepath.h"
 
 #include <QScopeGuard>
-#include <QThread>
 #include <QUuid>
-#include <QtConcurrent/QtConcurrentMap>
 
 #include <algorithm>
 #include <vector>
@@ -20,11 +19,6 @@ using namespace Qt::StringLiterals;
 namespace quillfern {
 
 namespace {
-
-/// Below this many files a second thread costs more than it saves.
-constexpr qsizetype minimumFilesPerThread = 2000;
-/// Several chunks per thread keep every core busy when one thread is held up.
-constexpr qsizetype chunksPerThread = 4;
 
 /// The current name, new name and clash key of one file.
 struct NamedFile
@@ -82,19 +76,8 @@ void nameRange(const QList<RenameRule> &rules,
 std::vector<NamedFile> nameAll(const QList<RenameRule> &rules, const QList<FileItem> &files)
 {
     std::vector<NamedFile> named(size_t(files.size()));
-    const qsizetype threads =
-        std::clamp<qsizetype>(files.size() / minimumFilesPerThread, 1, std::max(1, QThread::idealThreadCount()));
-    if (threads == 1) {
-        nameRange(rules, files, named, 0, files.size());
-        return named;
-    }
-    const qsizetype chunks = threads * chunksPerThread;
-    QList<std::pair<qsizetype, qsizetype>> ranges;
-    for (qsizetype chunk = 0; chunk < chunks; ++chunk)
-        ranges.append({files.size() * chunk / chunks, files.size() * (chunk + 1) / chunks});
-    QtConcurrent::blockingMap(ranges, [&](const std::pair<qsizetype, qsizetype> &range) {
-        nameRange(rules, files, named, range.first, range.second);
-    });
+    parallelchunks::run(files.size(),
+        [&](qsizetype begin, qsizetype end) { nameRange(rules, files, named, begin, end); });
     return named;
 }
 

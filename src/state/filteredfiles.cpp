@@ -1,3 +1,4 @@
+#include "engine/parallelchunks.h"
 #include "model/fileattributes.h"
 #include "model/icutext_p.h"
 #include "state/filteredfiles_p.h"
@@ -68,14 +69,19 @@ private:
     std::unique_ptr<icu::Collator> m_collator;
 };
 
-/// The positions stably sorted by the keys of their items (each read once), `before` deciding the order of two
-/// keys.
-template<typename Key, typename KeyOf, typename Before>
-QList<qsizetype> stablySorted(const QList<FileItem> &files, QList<qsizetype> positions, KeyOf keyOf, Before before)
+/// The positions stably sorted by the keys of their items, each read once, `before` deciding the order of two
+/// keys. The keys are computed on every core; each range of positions gets its own key function from
+/// `makeKeyOf`, since ICU collators are not shared between threads.
+template<typename Key, typename MakeKeyOf, typename Before>
+QList<qsizetype>
+stablySorted(const QList<FileItem> &files, QList<qsizetype> positions, MakeKeyOf makeKeyOf, Before before)
 {
     std::vector<Key> keys(std::size_t(files.size()));
-    for (qsizetype position : std::as_const(positions))
-        keys[std::size_t(position)] = keyOf(files[position]);
+    parallelchunks::run(positions.size(), [&](qsizetype begin, qsizetype end) {
+        const auto keyOf = makeKeyOf();
+        for (qsizetype index = begin; index < end; ++index)
+            keys[std::size_t(positions[index])] = keyOf(files[positions[index]]);
+    });
     std::stable_sort(positions.begin(), positions.end(), [&](qsizetype left, qsizetype right) {
         return before(keys[std::size_t(left)], keys[std::size_t(right)]);
     });
@@ -89,12 +95,15 @@ sortedPositions(const QList<FileItem> &files, QList<qsizetype> positions, AppVie
     case AppViewModel::SortOrder::Name:
     case AppViewModel::SortOrder::Type: {
         // Both compare text in the user's locale: the full name, or the extension (an empty one first).
-        const CollationKeys collation;
         const bool byName = order == AppViewModel::SortOrder::Name;
         return stablySorted<std::string>(
             files,
             std::move(positions),
-            [&](const FileItem &item) { return collation.keyOf(byName ? item.originalName() : item.fileExtension()); },
+            [byName] {
+                return [byName, collation = CollationKeys()](const FileItem &item) {
+                    return collation.keyOf(byName ? item.originalName() : item.fileExtension());
+                };
+            },
             std::less<>());
     }
     case AppViewModel::SortOrder::Date:
@@ -102,9 +111,11 @@ sortedPositions(const QList<FileItem> &files, QList<qsizetype> positions, AppVie
         return stablySorted<qint64>(
             files,
             std::move(positions),
-            [](const FileItem &item) {
-                const auto date = fileattributes::modificationDate(item.url);
-                return date ? date->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
+            [] {
+                return [](const FileItem &item) {
+                    const auto date = fileattributes::modificationDate(item.url);
+                    return date ? date->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
+                };
             },
             std::greater<>());
     case AppViewModel::SortOrder::Size:
@@ -112,7 +123,11 @@ sortedPositions(const QList<FileItem> &files, QList<qsizetype> positions, AppVie
         return stablySorted<qint64>(
             files,
             std::move(positions),
-            [](const FileItem &item) { return fileattributes::fileSize(item.url).value_or(0); },
+            [] {
+                return [](const FileItem &item) {
+                    return fileattributes::fileSize(item.url).value_or(0);
+                };
+            },
             std::greater<>());
     }
     return positions;
