@@ -269,7 +269,8 @@ int CliTool::runRename()
         m_out << PreviewPrinter::resultJson(results);
         m_err << PreviewPrinter::resultSummary(results) << '\n';
     } else {
-        m_out << PreviewPrinter::resultLines(results) << PreviewPrinter::resultSummary(results) << '\n';
+        PreviewPrinter::writeResultLines(m_out, results);
+        m_out << PreviewPrinter::resultSummary(results) << '\n';
     }
     const bool anyFailed =
         std::any_of(results.cbegin(), results.cend(), [](const RenameResult &result) { return !result.success; });

@@ -78,17 +78,15 @@ QString PreviewPrinter::json(const QList<PreviewEntry> &previews, const QList<Fi
     return jsonText(array);
 }
 
-QString PreviewPrinter::resultLines(const QList<RenameResult> &results)
+void PreviewPrinter::writeResultLines(QTextStream &out, const QList<RenameResult> &results)
 {
-    QString text;
     for (const RenameResult &result : results) {
         const QString move = result.originalURL.toText() + u" -> "_s + result.newURL.fileNameText();
         if (result.success)
-            text += u"renamed: "_s + move + u'\n';
+            out << u"renamed: "_s + move + u'\n';
         else
-            text += u"failed: "_s + move + u": "_s + result.error.value_or(u"Unknown error"_s) + u'\n';
+            out << u"failed: "_s + move + u": "_s + result.error.value_or(u"Unknown error"_s) + u'\n';
     }
-    return text;
 }
 
 QString PreviewPrinter::resultJson(const QList<RenameResult> &results)

@@ -53,22 +53,23 @@ void SystemFileMover::finishBatch()
 
 std::optional<MoveError> SystemFileMover::move(const NativePath &from, const NativePath &to)
 {
-    const NativePath folder = from.parent();
-    // Renaming relative to the open folder spares the kernel a walk of the whole path for every item; that
-    // walk costs about as much as the rename itself on a fast disk.
-    if (!folder.isEmpty() && folder == to.parent()) {
-        if (const int descriptor = descriptorOf(folder); descriptor >= 0) {
-            const NativePath fromName = from.fileName();
-            const NativePath toName = to.fileName();
-            return posixmove::move({descriptor, fromName.c_str()}, {descriptor, toName.c_str()});
-        }
+    // Renaming by name relative to the open folder spares the kernel a walk of the whole path for every item;
+    // that walk costs about as much as the rename itself on a fast disk. The names are the tails of the paths,
+    // so nothing is copied per item.
+    const std::size_t nameOffset = from.fileNameOffset();
+    const bool isInOneFolder = nameOffset > 0 && nameOffset == to.fileNameOffset()
+        && from.native().compare(0, nameOffset, to.native(), 0, nameOffset) == 0;
+    if (isInOneFolder) {
+        const std::string_view folder(from.native().data(), nameOffset);
+        if (const int descriptor = descriptorOf(folder); descriptor >= 0)
+            return posixmove::move({descriptor, from.c_str() + nameOffset}, {descriptor, to.c_str() + nameOffset});
     }
     // The item moved by its whole path could be the kept folder itself.
     closeOpenFolder();
     return posixmove::move({AT_FDCWD, from.c_str()}, {AT_FDCWD, to.c_str()});
 }
 
-int SystemFileMover::descriptorOf(const NativePath &folder)
+int SystemFileMover::descriptorOf(std::string_view folder)
 {
     // Only the folder of the last move is kept: a batch renames folder by folder, and moving a folder needs
     // its parent opened, so a kept folder is never one that this mover has just moved away.
@@ -80,9 +81,8 @@ int SystemFileMover::descriptorOf(const NativePath &folder)
 #else
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 #endif
-    m_openFolderDescriptor = open(folder.c_str(), flags);
-    if (m_openFolderDescriptor >= 0)
-        m_openFolder = folder;
+    m_openFolder = folder;
+    m_openFolderDescriptor = open(m_openFolder.c_str(), flags);
     return m_openFolderDescriptor;
 }
 
@@ -96,7 +96,7 @@ void SystemFileMover::closeOpenFolder()
     if (m_openFolderDescriptor >= 0)
         close(m_openFolderDescriptor);
     m_openFolderDescriptor = -1;
-    m_openFolder = NativePath();
+    m_openFolder.clear();
 }
 
 bool SystemFileMover::isSameItem(const NativePath &first, const NativePath &second)

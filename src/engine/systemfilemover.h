@@ -2,6 +2,9 @@
 
 #include "engine/filemover.h"
 
+#include <string>
+#include <string_view>
+
 namespace quillfern {
 
 /// Moves items on the real file system with the platform's no-replace rename: renameat2(RENAME_NOREPLACE) on
@@ -21,11 +24,12 @@ public:
 
 private:
 #ifndef Q_OS_WIN
-    /// A descriptor of `folder`, opened once for all the moves in it; -1 when it cannot be opened.
-    int descriptorOf(const NativePath &folder);
+    /// A descriptor of `folder` (a path ending in its separator), opened once for all the moves in it; -1 when
+    /// it cannot be opened.
+    int descriptorOf(std::string_view folder);
     void closeOpenFolder();
 
-    NativePath m_openFolder;
+    std::string m_openFolder;
     int m_openFolderDescriptor = -1;
 #endif
 };

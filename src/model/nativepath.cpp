@@ -81,6 +81,16 @@ QString NativePath::fileNameText() const
 #endif
 }
 
+std::size_t NativePath::fileNameOffset() const
+{
+#ifdef Q_OS_WIN
+    const std::size_t last = m_native.find_last_of(L"\\/:");
+    return last == std::wstring::npos ? 0 : last + 1;
+#else
+    return fileNameStart(m_native);
+#endif
+}
+
 NativePath NativePath::parent() const
 {
 #ifdef Q_OS_WIN

@@ -54,6 +54,8 @@ public:
     [[nodiscard]] NativePath fileName() const;
     /// The text of fileName().
     [[nodiscard]] QString fileNameText() const;
+    /// Where the last component starts in native(): the folder part, separator included, comes before it.
+    [[nodiscard]] std::size_t fileNameOffset() const;
     /// The folder that holds the item: "/a/b" for "/a/b/c", "/" for "/a", empty for a bare name.
     [[nodiscard]] NativePath parent() const;
     /// The location of `name` inside this folder.

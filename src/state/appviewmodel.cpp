@@ -159,9 +159,8 @@ qsizetype AppViewModel::selectedCount() const
 
 qsizetype AppViewModel::conflictCount() const
 {
-    return std::count_if(m_previews.cbegin(), m_previews.cend(), [](const PreviewEntry &entry) {
-        return entry.hasConflict;
-    });
+    const QList<PreviewEntry> &entries = previews();
+    return std::count_if(entries.cbegin(), entries.cend(), [](const PreviewEntry &entry) { return entry.hasConflict; });
 }
 
 void AppViewModel::addFiles(const QList<NativePath> &locations)
@@ -213,6 +212,7 @@ void AppViewModel::removeFiles(const QList<FileItem> &items)
 void AppViewModel::clearFiles()
 {
     setFiles({});
+    m_pendingPreview.reset();
     m_previews.clear();
     Q_EMIT previewsChanged();
 }
@@ -303,8 +303,17 @@ void AppViewModel::updatePreviews()
     std::copy_if(m_rules.cbegin(), m_rules.cend(), std::back_inserter(enabled), [](const RenameRule &rule) {
         return rule.isEnabled;
     });
-    m_previews = RenameEngine::preview(enabled, filteredFiles());
+    m_pendingPreview = PendingPreview{std::move(enabled), filteredFiles()};
     Q_EMIT previewsChanged();
+}
+
+const QList<PreviewEntry> &AppViewModel::previews() const
+{
+    if (m_pendingPreview) {
+        m_previews = RenameEngine::preview(m_pendingPreview->rules, m_pendingPreview->files);
+        m_pendingPreview.reset();
+    }
+    return m_previews;
 }
 
 void AppViewModel::performRename()
@@ -408,7 +417,7 @@ QString AppViewModel::exportCSV() const
 {
     // Names are written as they are, without escaping quotes or commas.
     QString text = u"Original Name,New Name,Has Conflict\n"_s;
-    for (const PreviewEntry &entry : m_previews) {
+    for (const PreviewEntry &entry : previews()) {
         text += u'"' + entry.original + u"\",\""_s + entry.preview + u"\","_s
             + (entry.hasConflict ? u"true"_s : u"false"_s) + u'\n';
     }

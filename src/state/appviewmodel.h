@@ -64,7 +64,7 @@ public:
     // Stored properties.
     [[nodiscard]] const QList<FileItem> &files() const { return m_files; }
     [[nodiscard]] const QList<RenameRule> &rules() const { return m_rules; }
-    [[nodiscard]] const QList<PreviewEntry> &previews() const { return m_previews; }
+    [[nodiscard]] const QList<PreviewEntry> &previews() const;
     [[nodiscard]] bool isRenaming() const { return m_isRenaming; }
     [[nodiscard]] bool showRenameResult() const { return m_showRenameResult; }
     [[nodiscard]] const QList<RenameResult> &lastRenameResults() const { return m_lastRenameResults; }
@@ -196,7 +196,16 @@ private:
 
     QList<FileItem> m_files;
     QList<RenameRule> m_rules;
-    QList<PreviewEntry> m_previews;
+    /// The enabled rules and the filtered files of the last updatePreviews, kept until the previews are read
+    /// and computed from them: a caller that never reads them (the command line renaming with --yes) never
+    /// pays for them, and one that does sees exactly what an immediate computation would have given.
+    struct PendingPreview
+    {
+        QList<RenameRule> rules;
+        QList<FileItem> files;
+    };
+    mutable std::optional<PendingPreview> m_pendingPreview;
+    mutable QList<PreviewEntry> m_previews;
     bool m_isRenaming = false;
     bool m_showRenameResult = false;
     QList<RenameResult> m_lastRenameResults;

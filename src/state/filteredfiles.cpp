@@ -7,6 +7,7 @@
 #include <unicode/locid.h>
 
 #include <algorithm>
+#include <array>
 #include <memory>
 #include <numeric>
 #include <string>
@@ -37,6 +38,12 @@ private:
     QString m_needle;
 };
 
+/// The key of a sort key buffer, without the zero byte that ends it.
+std::string withoutTerminator(const char *key, int32_t length)
+{
+    return std::string(key, std::size_t(std::max(length, 1) - 1));
+}
+
 /// Sort keys of the current locale's collation: comparing keys orders like a locale-aware compare, which is
 /// not numeric-aware ("file10" before "file2").
 class CollationKeys final
@@ -55,14 +62,14 @@ public:
         if (!m_collator)
             return text.toStdString();
         const icu::UnicodeString unicode = icutext::alias(text);
-        std::string key(64, '\0');
-        int32_t length = m_collator->getSortKey(unicode, reinterpret_cast<uint8_t *>(key.data()), int32_t(key.size()));
-        if (length > int32_t(key.size())) {
-            key.resize(std::size_t(length));
-            length = m_collator->getSortKey(unicode, reinterpret_cast<uint8_t *>(key.data()), length);
-        }
-        key.resize(std::size_t(std::max(length, 1) - 1)); // the key ends with a terminating zero byte
-        return key;
+        // Most keys fit the buffer; the key string then takes only the bytes it needs.
+        std::array<uint8_t, 128> buffer{};
+        int32_t length = m_collator->getSortKey(unicode, buffer.data(), int32_t(buffer.size()));
+        if (length <= int32_t(buffer.size()))
+            return withoutTerminator(reinterpret_cast<const char *>(buffer.data()), length);
+        std::string key(std::size_t(length), '\0');
+        length = m_collator->getSortKey(unicode, reinterpret_cast<uint8_t *>(key.data()), length);
+        return withoutTerminator(key.data(), length);
     }
 
 private:
