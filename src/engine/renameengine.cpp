@@ -81,6 +81,37 @@ std::vector<NamedFile> nameAll(const QList<RenameRule> &rules, const QList<FileI
     return named;
 }
 
+/// What the batch does with one file: nothing, or a move to its new name (refused when the name is invalid).
+struct PlannedMove
+{
+    bool isWanted = false;
+    QString newName;
+    QString invalidReason;
+};
+
+/// The plan for every file, computed on every core: a new name depends only on the rules and the file's
+/// position, never on the moves before it. An unselected file gets no move but keeps its position for the
+/// numbering of the files after it; a name no rule changed (compared as text, so a name that is not valid
+/// UTF-8 is left alone) gets none either.
+std::vector<PlannedMove> planMoves(const QList<RenameRule> &rules, const QList<FileItem> &files)
+{
+    std::vector<PlannedMove> planned(std::size_t(files.size()));
+    parallelchunks::run(files.size(), [&](qsizetype begin, qsizetype end) {
+        RulePipeline pipeline(rules);
+        for (qsizetype i = begin; i < end; ++i) {
+            if (!files[i].isSelected)
+                continue;
+            const QString original = files[i].originalName();
+            PlannedMove &plan = planned[std::size_t(i)];
+            plan.newName = pipeline.newName(original, i);
+            plan.isWanted = plan.newName != original;
+            if (plan.isWanted)
+                plan.invalidReason = newnamecheck::whyInvalid(plan.newName);
+        }
+    });
+    return planned;
+}
+
 RenameResult failure(const NativePath &from, const NativePath &to, const QString &message)
 {
     return RenameResult{from, to, false, message};
@@ -161,7 +192,7 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QLi
 QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QList<RenameRule> &rules, FileMover &mover)
 {
     const auto finishBatch = qScopeGuard([&] { mover.finishBatch(); });
-    RulePipeline pipeline(rules);
+    const std::vector<PlannedMove> planned = planMoves(rules, files);
     QList<RenameResult> results;
     results.reserve(files.size());
     // A folder listed before its contents may be renamed first; its contents are then followed to where
@@ -169,19 +200,14 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QLi
     MovedLocations moved;
     for (qsizetype i = 0; i < files.size(); ++i) {
         const FileItem &file = files[i];
-        // An unselected file gets no result but keeps its position for the numbering of the files after it.
-        if (!file.isSelected)
-            continue;
-        const QString original = file.originalName();
-        const QString newName = pipeline.newName(original, i);
-        // Compared as text, so a name that is not valid UTF-8 and that no rule changed is left alone.
-        if (newName == original)
+        const PlannedMove &plan = planned[std::size_t(i)];
+        if (!plan.isWanted)
             continue;
         const NativePath source = moved.currentLocation(file.url);
-        NativePath destination = source.withFileName(NativePath::fromText(newName));
+        NativePath destination = source.withFileName(NativePath::fromText(plan.newName));
         RenameResult result;
-        if (const QString reason = newnamecheck::whyInvalid(newName); !reason.isEmpty())
-            result = failure(source, destination, reason);
+        if (!plan.invalidReason.isEmpty())
+            result = failure(source, destination, plan.invalidReason);
         else
             result = renameOne(source, std::move(destination), mover);
         if (result.success && file.isDirectory)

@@ -7,6 +7,8 @@
 #include <QTest>
 #include <QThread>
 
+#include <algorithm>
+#include <fstream>
 #include <mutex>
 
 using namespace quillfern;
@@ -72,6 +74,7 @@ private Q_SLOTS:
     void previewsFollowFilterAndSort();
     void renameRunsOnAWorkerAndFinishesOnTheMainThread();
     void secondRenameWhileRunningIsDropped();
+    void largeBatchIsNamedOnEveryCoreFromTheWorker();
     void renameWithNothingSelected();
     void hiddenSelectedItemIsRenamed();
     void renamedItemsAreFreshAndFailedOnesKeepTheirIds();
@@ -172,6 +175,29 @@ void TestRenameFlow::disabledRuleHasNoEffect()
     QTRY_VERIFY(!vm.isRenaming());
     QVERIFY(vm.lastRenameResults().isEmpty());
     QVERIFY(files.exists(u"a.txt"_s));
+}
+
+void TestRenameFlow::largeBatchIsNamedOnEveryCoreFromTheWorker()
+{
+    // Enough files for the new names to be computed on several threads, started from the pool's own worker.
+    constexpr int count = 6000;
+    TestFiles files;
+    const NativePath folder = files.folder(u"many"_s);
+    for (int i = 0; i < count; ++i)
+        std::ofstream((folder / NativePath::fromText(u"f%1.txt"_s.arg(i, 4, 10, QChar(u'0')))).toStdPath());
+    AppViewModel vm;
+    vm.setIncludeSubfolders(true);
+    vm.addFiles({folder});
+    vm.addRule(insertAtEnd(u"_new"_s));
+    vm.performRename();
+    QTRY_VERIFY_WITH_TIMEOUT(!vm.isRenaming(), 30000);
+    QCOMPARE(vm.lastRenameResults().size(), count);
+    QVERIFY(std::all_of(vm.lastRenameResults().cbegin(), vm.lastRenameResults().cend(), [](const RenameResult &r) {
+        return r.success;
+    }));
+    QVERIFY(files.exists(u"many/f0000_new.txt"_s));
+    QVERIFY(files.exists(u"many/f5999_new.txt"_s));
+    QVERIFY(!files.exists(u"many/f5999.txt"_s));
 }
 
 void TestRenameFlow::previewsFollowFilterAndSort()
