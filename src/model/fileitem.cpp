@@ -47,7 +47,7 @@ FileItem::FileItem(NativePath location)
 
 FileItem::FileItem(NativePath location, bool locationIsDirectory)
     : id(randomUuid())
-    , url(location.withoutTrailingSeparator())
+    , url(std::move(location).withoutTrailingSeparator())
     , previewName(url.fileNameText())
     , isDirectory(locationIsDirectory)
 {

@@ -123,7 +123,12 @@ NativePath NativePath::withFileName(const NativePath &name) const
 #endif
 }
 
-NativePath NativePath::withoutTrailingSeparator() const
+NativePath NativePath::withoutTrailingSeparator() const &
+{
+    return NativePath(*this).withoutTrailingSeparator();
+}
+
+NativePath NativePath::withoutTrailingSeparator() &&
 {
 #ifdef Q_OS_WIN
     std::filesystem::path path = toStdPath();
@@ -131,10 +136,9 @@ NativePath NativePath::withoutTrailingSeparator() const
         path = path.parent_path();
     return path;
 #else
-    std::size_t end = m_native.size();
-    while (end > 1 && m_native[end - 1] == separator)
-        --end;
-    return NativePath(m_native.substr(0, end));
+    while (m_native.size() > 1 && m_native.back() == separator)
+        m_native.pop_back();
+    return std::move(*this);
 #endif
 }
 

@@ -64,7 +64,8 @@ public:
     [[nodiscard]] NativePath withFileName(const NativePath &name) const;
     /// The path without trailing separators, so its last component is the item's name ("a/b/" names "b"); a
     /// root stays as it is.
-    [[nodiscard]] NativePath withoutTrailingSeparator() const;
+    [[nodiscard]] NativePath withoutTrailingSeparator() const &;
+    [[nodiscard]] NativePath withoutTrailingSeparator() &&;
     /// Whether this is `folder` itself or lies anywhere below it ("/ab" is not below "/a").
     [[nodiscard]] bool isWithin(const NativePath &folder) const;
 

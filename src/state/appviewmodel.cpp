@@ -175,7 +175,7 @@ void AppViewModel::addFiles(const QList<NativePath> &locations)
     QList<FileItem> added;
     const auto addIfNew = [&](NativePath location, bool isDirectory) {
         if (!existing.contains(location))
-            added.append(FileItem(std::move(location), isDirectory));
+            added.emplaceBack(std::move(location), isDirectory);
     };
     for (const NativePath &given : locations) {
         const NativePath location = given.withoutTrailingSeparator();
@@ -187,9 +187,13 @@ void AppViewModel::addFiles(const QList<NativePath> &locations)
             addIfNew(location, isDirectory);
     }
     if (!added.isEmpty()) {
-        QList<FileItem> files = m_files;
-        files.append(std::move(added));
-        setFiles(std::move(files));
+        if (m_files.isEmpty()) {
+            setFiles(std::move(added));
+        } else {
+            QList<FileItem> files = m_files;
+            files.append(std::move(added));
+            setFiles(std::move(files));
+        }
     }
     updatePreviews();
 }
