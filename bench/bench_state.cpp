@@ -95,12 +95,17 @@ int main(int argc, char *argv[])
     QElapsedTimer timer;
     timer.start();
     vm.addFiles({root});
+    // The window reads the previews as soon as they change; they are computed on that first read.
+    (void)vm.previews();
     const double addMilliseconds = double(timer.nsecsElapsed()) / 1e6;
     const long afterAdd = residentKilobytes();
 
     const QList<RenameRule> rules = fourRuleChain();
     vm.loadPreset(Preset(u"bench"_s, rules));
-    const double previewMilliseconds = medianMilliseconds(5, [&] { vm.updatePreviews(); });
+    const double previewMilliseconds = medianMilliseconds(5, [&] {
+        vm.updatePreviews();
+        (void)vm.previews();
+    });
 
     // Setting the filter text forgets the kept list, so each run filters and collates afresh.
     const double filterNameMilliseconds = medianMilliseconds(5, [&] {
@@ -114,13 +119,13 @@ int main(int argc, char *argv[])
     const double dateMilliseconds = medianMilliseconds(3, [&] { (void)vm.filteredFiles(); });
     const long afterAll = residentKilobytes();
 
-    out << "entries:                      " << vm.files().size() << '\n'
-        << "addFiles (tree, subfolders):  " << addMilliseconds << " ms   (target 1500 ms)\n"
-        << "updatePreviews (4 rules):     " << previewMilliseconds << " ms   (target 200 ms)\n"
-        << "filter + sort by name:        " << filterNameMilliseconds << " ms   (target 300 ms)\n"
-        << "sort by size:                 " << sizeMilliseconds << " ms\n"
-        << "sort by date:                 " << dateMilliseconds << " ms\n"
-        << "memory of the list:           " << (afterAdd - baseline) / 1024 << " MB after adding, "
+    out << "entries:                       " << vm.files().size() << '\n'
+        << "addFiles + first preview read: " << addMilliseconds << " ms   (target 1500 ms)\n"
+        << "updatePreviews + read:         " << previewMilliseconds << " ms   (target 200 ms)\n"
+        << "filter + sort by name:         " << filterNameMilliseconds << " ms   (target 300 ms)\n"
+        << "sort by size:                  " << sizeMilliseconds << " ms\n"
+        << "sort by date:                  " << dateMilliseconds << " ms\n"
+        << "memory of the list:            " << (afterAdd - baseline) / 1024 << " MB after adding, "
         << (afterAll - baseline) / 1024 << " MB with previews   (target 300 MB)\n";
 
     if (ownsTree)
