@@ -81,11 +81,11 @@ QString PreviewPrinter::json(const QList<PreviewEntry> &previews, const QList<Fi
 void PreviewPrinter::writeResultLines(QTextStream &out, const QList<RenameResult> &results)
 {
     for (const RenameResult &result : results) {
-        const QString move = result.originalURL.toText() + u" -> "_s + result.newURL.fileNameText();
-        if (result.success)
-            out << u"renamed: "_s + move + u'\n';
-        else
-            out << u"failed: "_s + move + u": "_s + result.error.value_or(u"Unknown error"_s) + u'\n';
+        out << (result.success ? QStringView(u"renamed: ") : QStringView(u"failed: ")) << result.originalURL.toText()
+            << QStringView(u" -> ") << result.newURL.fileNameText();
+        if (!result.success)
+            out << QStringView(u": ") << result.error.value_or(u"Unknown error"_s);
+        out << QChar(u'\n');
     }
 }
 

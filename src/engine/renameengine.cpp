@@ -85,7 +85,7 @@ std::vector<NamedFile> nameAll(const QList<RenameRule> &rules, const QList<FileI
 struct PlannedMove
 {
     bool isWanted = false;
-    QString newName;
+    NativePath newName;
     QString invalidReason;
 };
 
@@ -102,11 +102,13 @@ std::vector<PlannedMove> planMoves(const QList<RenameRule> &rules, const QList<F
             if (!files[i].isSelected)
                 continue;
             const QString original = files[i].originalName();
+            const QString newName = pipeline.newName(original, i);
             PlannedMove &plan = planned[std::size_t(i)];
-            plan.newName = pipeline.newName(original, i);
-            plan.isWanted = plan.newName != original;
-            if (plan.isWanted)
-                plan.invalidReason = newnamecheck::whyInvalid(plan.newName);
+            plan.isWanted = newName != original;
+            if (!plan.isWanted)
+                continue;
+            plan.newName = NativePath::fromText(newName);
+            plan.invalidReason = newnamecheck::whyInvalid(newName);
         }
     });
     return planned;
@@ -203,8 +205,9 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QLi
         const PlannedMove &plan = planned[std::size_t(i)];
         if (!plan.isWanted)
             continue;
-        const NativePath source = moved.currentLocation(file.url);
-        NativePath destination = source.withFileName(NativePath::fromText(plan.newName));
+        const std::optional<NativePath> followed = moved.newLocation(file.url);
+        const NativePath &source = followed ? *followed : file.url;
+        NativePath destination = source.withFileName(plan.newName);
         RenameResult result;
         if (!plan.invalidReason.isEmpty())
             result = failure(source, destination, plan.invalidReason);
@@ -213,7 +216,7 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QLi
         if (result.success && file.isDirectory)
             moved.record(file.url, result.newURL);
         // The result names the item as it was listed, so the caller can find it.
-        if (source != file.url)
+        if (followed)
             result.originalURL = file.url;
         results.append(std::move(result));
     }

@@ -9,15 +9,20 @@ void MovedLocations::record(const NativePath &from, const NativePath &to)
 
 NativePath MovedLocations::currentLocation(const NativePath &location) const
 {
+    return newLocation(location).value_or(location);
+}
+
+std::optional<NativePath> MovedLocations::newLocation(const NativePath &location) const
+{
     if (m_moves.empty())
-        return location;
+        return std::nullopt;
     // The map is keyed by listed locations, so the deepest listed folder above the item already knows where
     // every folder above it went.
     for (NativePath folder = location.parent(); !folder.fileName().isEmpty(); folder = folder.parent()) {
         if (const auto moved = m_moves.find(folder); moved != m_moves.end())
             return NativePath(moved->second.native() + location.native().substr(folder.native().size()));
     }
-    return location;
+    return std::nullopt;
 }
 
 } // namespace quillfern

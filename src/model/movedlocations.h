@@ -2,6 +2,7 @@
 
 #include "model/nativepath.h"
 
+#include <optional>
 #include <unordered_map>
 
 namespace quillfern {
@@ -17,6 +18,8 @@ public:
     /// Where the item listed at `location` is now: below the deepest moved folder that holds it, or where it
     /// was when no folder above it moved. The item's own move is not considered.
     [[nodiscard]] NativePath currentLocation(const NativePath &location) const;
+    /// The same, but none when no folder above the item moved.
+    [[nodiscard]] std::optional<NativePath> newLocation(const NativePath &location) const;
 
     [[nodiscard]] bool isEmpty() const { return m_moves.empty(); }
 

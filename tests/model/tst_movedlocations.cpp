@@ -37,6 +37,10 @@ void TestMovedLocations::followsItemsIntoMovedFolders()
     // location it was listed at.
     moved.record("/a/e", "/b/g");
     QCOMPARE(moved.currentLocation(NativePath::fromText(location)).toText(), expected);
+    const std::optional<NativePath> followed = moved.newLocation(NativePath::fromText(location));
+    QCOMPARE(followed.has_value(), expected != location);
+    if (followed)
+        QCOMPARE(followed->toText(), expected);
 }
 
 QTEST_APPLESS_MAIN(TestMovedLocations)
