@@ -27,7 +27,7 @@ printf '%-10s %-8s %-14s %10s %8s\n' place files tool seconds ratio
 for place in /dev/shm /var/tmp; do
     folder="$place/quillfern-bench"
     for count in 10000 100000; do
-        runs=$((count > 10000 ? 3 : 10))
+        runs=$((count > 10000 ? 5 : 10))
         hyperfine --style none --runs "$runs" --export-json "$work/result.json" \
             --prepare "$(declare -f make_files); make_files '$folder' $count" \
             -n loop "'$loop' '$folder' _x" \
