@@ -7,6 +7,12 @@ namespace quillfern::fileattributes {
 
 namespace fs = std::filesystem;
 
+bool isDirectory(const NativePath &path)
+{
+    std::error_code error;
+    return fs::is_directory(path.toStdPath(), error);
+}
+
 std::optional<QDateTime> modificationDate(const NativePath &path)
 {
     std::error_code error;

@@ -11,6 +11,9 @@ namespace quillfern {
 /// File-system attributes of the item at a path, read afresh on every call; nothing is cached.
 namespace fileattributes {
 
+/// Whether a folder is at the path (a link to a folder counts); false when nothing can be read there.
+bool isDirectory(const NativePath &path);
+
 /// The content-modification date, or none when it cannot be read.
 std::optional<QDateTime> modificationDate(const NativePath &path);
 

@@ -14,17 +14,9 @@
 
 namespace quillfern {
 
-namespace fs = std::filesystem;
-
 namespace {
 
 constexpr QStringView noValue = u"—";
-
-bool probeIsDirectory(const NativePath &location)
-{
-    std::error_code error;
-    return fs::is_directory(location.toStdPath(), error);
-}
 
 QString formatShortDateTime(const QDateTime &date)
 {
@@ -41,7 +33,7 @@ QString formatShortDateTime(const QDateTime &date)
 } // namespace
 
 FileItem::FileItem(NativePath location)
-    : FileItem(location, probeIsDirectory(location))
+    : FileItem(location, fileattributes::isDirectory(location))
 {
 }
 

@@ -17,8 +17,9 @@ std::optional<NativePath> MovedLocations::newLocation(const NativePath &location
     if (m_moves.empty())
         return std::nullopt;
     // The map is keyed by listed locations, so the deepest listed folder above the item already knows where
-    // every folder above it went.
-    for (NativePath folder = location.parent(); !folder.fileName().isEmpty(); folder = folder.parent()) {
+    // every folder above it went. The walk stops at the root, the one folder without a name of its own.
+    for (NativePath folder = location.parent(); folder.fileNameOffset() < folder.native().size();
+         folder = folder.parent()) {
         if (const auto moved = m_moves.find(folder); moved != m_moves.end())
             return NativePath(moved->second.native() + location.native().substr(folder.native().size()));
     }

@@ -9,13 +9,6 @@ namespace {
 #ifndef Q_OS_WIN
 constexpr char separator = '/';
 
-/// The position just after the last separator: where the last component starts.
-std::size_t fileNameStart(const std::string &native)
-{
-    const std::size_t last = native.rfind(separator);
-    return last == std::string::npos ? 0 : last + 1;
-}
-
 QString textOf(const char *bytes, std::size_t size)
 {
     return QString::fromUtf8(bytes, qsizetype(size));
@@ -67,7 +60,7 @@ NativePath NativePath::fileName() const
 #ifdef Q_OS_WIN
     return toStdPath().filename();
 #else
-    return NativePath(m_native.substr(fileNameStart(m_native)));
+    return NativePath(m_native.substr(fileNameOffset()));
 #endif
 }
 
@@ -76,7 +69,7 @@ QString NativePath::fileNameText() const
 #ifdef Q_OS_WIN
     return fileName().toText();
 #else
-    const std::size_t start = fileNameStart(m_native);
+    const std::size_t start = fileNameOffset();
     return textOf(m_native.data() + start, m_native.size() - start);
 #endif
 }
@@ -85,10 +78,10 @@ std::size_t NativePath::fileNameOffset() const
 {
 #ifdef Q_OS_WIN
     const std::size_t last = m_native.find_last_of(L"\\/:");
-    return last == std::wstring::npos ? 0 : last + 1;
 #else
-    return fileNameStart(m_native);
+    const std::size_t last = m_native.rfind(separator);
 #endif
+    return last == string_type::npos ? 0 : last + 1;
 }
 
 NativePath NativePath::parent() const
@@ -96,7 +89,7 @@ NativePath NativePath::parent() const
 #ifdef Q_OS_WIN
     return toStdPath().parent_path();
 #else
-    std::size_t end = fileNameStart(m_native);
+    std::size_t end = fileNameOffset();
     while (end > 1 && m_native[end - 1] == separator)
         --end;
     return NativePath(m_native.substr(0, end));
@@ -119,7 +112,7 @@ NativePath NativePath::withFileName(const NativePath &name) const
 #ifdef Q_OS_WIN
     return toStdPath().replace_filename(name.toStdPath());
 #else
-    return NativePath(m_native.substr(0, fileNameStart(m_native)) + name.m_native);
+    return NativePath(m_native.substr(0, fileNameOffset()) + name.m_native);
 #endif
 }
 

@@ -3,6 +3,7 @@
 #include "engine/filemover.h"
 #include "engine/renameengine.h"
 #include "engine/systemfilemover.h"
+#include "model/fileattributes.h"
 #include "model/movedlocations.h"
 #include "model/nativepath.h"
 #include "parser/naturallanguageparser.h"
@@ -18,7 +19,6 @@
 
 #include <algorithm>
 #include <deque>
-#include <filesystem>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -179,8 +179,7 @@ void AppViewModel::addFiles(const QList<NativePath> &locations)
     };
     for (const NativePath &given : locations) {
         const NativePath location = given.withoutTrailingSeparator();
-        std::error_code error;
-        const bool isDirectory = std::filesystem::is_directory(location.toStdPath(), error);
+        const bool isDirectory = fileattributes::isDirectory(location);
         if (isDirectory && m_includeSubfolders)
             folderenumerator::forEachEntry(location, addIfNew);
         else
