@@ -56,11 +56,11 @@ std::optional<MoveError> SystemFileMover::move(const NativePath &from, const Nat
     // Renaming by name relative to the open folder spares the kernel a walk of the whole path for every item;
     // that walk costs about as much as the rename itself on a fast disk. The names are the tails of the paths,
     // so nothing is copied per item.
-    const std::size_t nameOffset = from.fileNameOffset();
-    const bool isInOneFolder = nameOffset > 0 && nameOffset == to.fileNameOffset()
-        && from.native().compare(0, nameOffset, to.native(), 0, nameOffset) == 0;
+    const qsizetype nameOffset = from.fileNameOffset();
+    const QByteArrayView folder = QByteArrayView(from.native()).first(nameOffset);
+    const bool isInOneFolder =
+        nameOffset > 0 && nameOffset == to.fileNameOffset() && QByteArrayView(to.native()).startsWith(folder);
     if (isInOneFolder) {
-        const std::string_view folder(from.native().data(), nameOffset);
         if (const int descriptor = descriptorOf(folder); descriptor >= 0)
             return posixmove::move({descriptor, from.c_str() + nameOffset}, {descriptor, to.c_str() + nameOffset});
     }
@@ -69,7 +69,7 @@ std::optional<MoveError> SystemFileMover::move(const NativePath &from, const Nat
     return posixmove::move({AT_FDCWD, from.c_str()}, {AT_FDCWD, to.c_str()});
 }
 
-int SystemFileMover::descriptorOf(std::string_view folder)
+int SystemFileMover::descriptorOf(QByteArrayView folder)
 {
     // Only the folder of the last move is kept: a batch renames folder by folder, and moving a folder needs
     // its parent opened, so a kept folder is never one that this mover has just moved away.
@@ -81,8 +81,8 @@ int SystemFileMover::descriptorOf(std::string_view folder)
 #else
     const int flags = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 #endif
-    m_openFolder = folder;
-    m_openFolderDescriptor = open(m_openFolder.c_str(), flags);
+    m_openFolder = folder.toByteArray();
+    m_openFolderDescriptor = open(m_openFolder.constData(), flags);
     return m_openFolderDescriptor;
 }
 

@@ -2,8 +2,7 @@
 
 #include "engine/filemover.h"
 
-#include <string>
-#include <string_view>
+#include <QByteArray>
 
 namespace quillfern {
 
@@ -26,10 +25,10 @@ private:
 #ifndef Q_OS_WIN
     /// A descriptor of `folder` (a path ending in its separator), opened once for all the moves in it; -1 when
     /// it cannot be opened.
-    int descriptorOf(std::string_view folder);
+    int descriptorOf(QByteArrayView folder);
     void closeOpenFolder();
 
-    std::string m_openFolder;
+    QByteArray m_openFolder;
     int m_openFolderDescriptor = -1;
 #endif
 };

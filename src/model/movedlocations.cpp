@@ -20,8 +20,10 @@ std::optional<NativePath> MovedLocations::newLocation(const NativePath &location
     // every folder above it went. The walk stops at the root, the one folder without a name of its own.
     for (NativePath folder = location.parent(); folder.fileNameOffset() < folder.native().size();
          folder = folder.parent()) {
-        if (const auto moved = m_moves.find(folder); moved != m_moves.end())
-            return NativePath(moved->second.native() + location.native().substr(folder.native().size()));
+        if (const auto moved = m_moves.find(folder); moved != m_moves.end()) {
+            NativePath::string_type below = moved->second.native() + location.native().sliced(folder.native().size());
+            return NativePath(std::move(below));
+        }
     }
     return std::nullopt;
 }

@@ -2,29 +2,83 @@
 
 #include <QHashFunctions>
 
+#include <string_view>
+
 namespace quillfern {
 
 namespace {
 
 #ifndef Q_OS_WIN
 constexpr char separator = '/';
-
-QString textOf(const char *bytes, std::size_t size)
-{
-    return QString::fromUtf8(bytes, qsizetype(size));
-}
 #endif
 
 } // namespace
 
+#ifdef Q_OS_WIN
+
+NativePath::NativePath(const value_type *native)
+    : m_native(QString::fromWCharArray(native))
+{
+}
+
+NativePath::NativePath(const std::filesystem::path &path)
+    : m_native(QString::fromStdWString(path.native()))
+{
+}
+
 NativePath NativePath::fromText(const QString &text)
 {
-#ifdef Q_OS_WIN
-    return NativePath(text.toStdWString());
-#else
-    return NativePath(text.toStdString());
-#endif
+    return NativePath(text);
 }
+
+const NativePath::value_type *NativePath::c_str() const
+{
+    return reinterpret_cast<const wchar_t *>(m_native.utf16());
+}
+
+std::filesystem::path NativePath::toStdPath() const
+{
+    return m_native.toStdWString();
+}
+
+QString NativePath::toText() const
+{
+    return m_native;
+}
+
+#else
+
+NativePath::NativePath(const value_type *native)
+    : m_native(native)
+{
+}
+
+NativePath::NativePath(const std::filesystem::path &path)
+    : m_native(path.native().data(), qsizetype(path.native().size()))
+{
+}
+
+NativePath NativePath::fromText(const QString &text)
+{
+    return NativePath(text.toUtf8());
+}
+
+const NativePath::value_type *NativePath::c_str() const
+{
+    return m_native.constData();
+}
+
+std::filesystem::path NativePath::toStdPath() const
+{
+    return m_native.toStdString();
+}
+
+QString NativePath::toText() const
+{
+    return QString::fromUtf8(m_native);
+}
+
+#endif
 
 std::optional<NativePath> NativePath::fromLocalFileUrl(const QUrl &url)
 {
@@ -35,19 +89,10 @@ std::optional<NativePath> NativePath::fromLocalFileUrl(const QUrl &url)
 #else
     // Decoding the URL into text would turn bytes that are not UTF-8 into U+FFFD (or leave them escaped), so
     // the bytes are taken from the percent-encoded path itself.
-    const QByteArray bytes = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1());
+    QByteArray bytes = QByteArray::fromPercentEncoding(url.path(QUrl::FullyEncoded).toLatin1());
     if (bytes.isEmpty())
         return std::nullopt;
-    return NativePath(bytes.toStdString());
-#endif
-}
-
-QString NativePath::toText() const
-{
-#ifdef Q_OS_WIN
-    return QString::fromStdWString(m_native);
-#else
-    return textOf(m_native.data(), m_native.size());
+    return NativePath(std::move(bytes));
 #endif
 }
 
@@ -60,7 +105,7 @@ NativePath NativePath::fileName() const
 #ifdef Q_OS_WIN
     return toStdPath().filename();
 #else
-    return NativePath(m_native.substr(fileNameOffset()));
+    return NativePath(m_native.sliced(fileNameOffset()));
 #endif
 }
 
@@ -69,19 +114,23 @@ QString NativePath::fileNameText() const
 #ifdef Q_OS_WIN
     return fileName().toText();
 #else
-    const std::size_t start = fileNameOffset();
-    return textOf(m_native.data() + start, m_native.size() - start);
+    const qsizetype start = fileNameOffset();
+    return QString::fromUtf8(m_native.constData() + start, m_native.size() - start);
 #endif
 }
 
-std::size_t NativePath::fileNameOffset() const
+qsizetype NativePath::fileNameOffset() const
 {
 #ifdef Q_OS_WIN
-    const std::size_t last = m_native.find_last_of(L"\\/:");
+    qsizetype last = m_native.size() - 1;
+    while (last >= 0 && m_native[last] != u'\\' && m_native[last] != u'/' && m_native[last] != u':')
+        --last;
+    return last + 1;
 #else
-    const std::size_t last = m_native.rfind(separator);
+    // QByteArray's own search is a general substring search, several times slower for one byte.
+    const std::size_t last = std::string_view(m_native.constData(), std::size_t(m_native.size())).rfind(separator);
+    return last == std::string_view::npos ? 0 : qsizetype(last) + 1;
 #endif
-    return last == string_type::npos ? 0 : last + 1;
 }
 
 NativePath NativePath::parent() const
@@ -89,10 +138,10 @@ NativePath NativePath::parent() const
 #ifdef Q_OS_WIN
     return toStdPath().parent_path();
 #else
-    std::size_t end = fileNameOffset();
+    qsizetype end = fileNameOffset();
     while (end > 1 && m_native[end - 1] == separator)
         --end;
-    return NativePath(m_native.substr(0, end));
+    return NativePath(m_native.first(end));
 #endif
 }
 
@@ -101,9 +150,9 @@ NativePath NativePath::operator/(const NativePath &name) const
 #ifdef Q_OS_WIN
     return toStdPath() / name.toStdPath();
 #else
-    if (m_native.empty() || m_native.back() == separator)
-        return NativePath(m_native + name.m_native);
-    return NativePath(m_native + separator + name.m_native);
+    if (m_native.isEmpty() || m_native.endsWith(separator))
+        return NativePath(QByteArray(m_native + name.m_native));
+    return NativePath(QByteArray(m_native + separator + name.m_native));
 #endif
 }
 
@@ -112,7 +161,11 @@ NativePath NativePath::withFileName(const NativePath &name) const
 #ifdef Q_OS_WIN
     return toStdPath().replace_filename(name.toStdPath());
 #else
-    return NativePath(m_native.substr(0, fileNameOffset()) + name.m_native);
+    const qsizetype offset = fileNameOffset();
+    QByteArray bytes;
+    bytes.reserve(offset + name.m_native.size());
+    bytes.append(m_native.constData(), offset).append(name.m_native);
+    return NativePath(std::move(bytes));
 #endif
 }
 
@@ -129,21 +182,25 @@ NativePath NativePath::withoutTrailingSeparator() &&
         path = path.parent_path();
     return path;
 #else
-    while (m_native.size() > 1 && m_native.back() == separator)
-        m_native.pop_back();
+    qsizetype size = m_native.size();
+    while (size > 1 && m_native[size - 1] == separator)
+        --size;
+    // Truncating a string that is shared would copy it; most paths have nothing to drop.
+    if (size < m_native.size())
+        m_native.truncate(size);
     return std::move(*this);
 #endif
 }
 
 bool NativePath::isWithin(const NativePath &folder) const
 {
-    if (!m_native.starts_with(folder.m_native))
+    if (!m_native.startsWith(folder.m_native))
         return false;
     if (m_native.size() == folder.m_native.size())
         return true;
 #ifdef Q_OS_WIN
-    const auto isSeparator = [](wchar_t unit) {
-        return unit == L'/' || unit == L'\\';
+    const auto isSeparator = [](QChar unit) {
+        return unit == u'/' || unit == u'\\';
     };
 #else
     const auto isSeparator = [](char unit) {
@@ -155,11 +212,7 @@ bool NativePath::isWithin(const NativePath &folder) const
 
 size_t qHash(const NativePath &path, size_t seed) noexcept
 {
-#ifdef Q_OS_WIN
-    return qHash(QStringView(path.native()), seed);
-#else
-    return qHash(QByteArrayView(path.native()), seed);
-#endif
+    return qHash(path.native(), seed);
 }
 
 } // namespace quillfern

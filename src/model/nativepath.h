@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QUrl>
 
@@ -7,19 +8,22 @@
 #include <filesystem>
 #include <functional>
 #include <optional>
-#include <string>
 
 namespace quillfern {
 
 /// A location on disk spelt exactly as the operating system spells it: bytes on POSIX systems, so that a name
-/// that is not valid UTF-8 can still be found and renamed, and UTF-16 units on Windows. It is one string: a
-/// list of 100,000 files copies, hashes and compares its locations all the time, and std::filesystem::path
-/// keeps every component as a path of its own, one allocation each.
+/// that is not valid UTF-8 can still be found and renamed, and UTF-16 units on Windows. It is one implicitly
+/// shared string: a list of 100,000 files copies, hashes and compares its locations all the time, so a copy
+/// must not allocate, and std::filesystem::path keeps every component as a path of its own.
 class NativePath final
 {
 public:
     using value_type = std::filesystem::path::value_type;
-    using string_type = std::filesystem::path::string_type;
+#ifdef Q_OS_WIN
+    using string_type = QString;
+#else
+    using string_type = QByteArray;
+#endif
 
     NativePath() = default;
     explicit NativePath(string_type native)
@@ -28,14 +32,8 @@ public:
     }
     // Implicit on purpose, as std::filesystem::path's own are: a C string and a std::filesystem::path already
     // spell a native location, and converting them loses nothing.
-    NativePath(const value_type *native) // NOLINT(google-explicit-constructor)
-        : m_native(native)
-    {
-    }
-    NativePath(const std::filesystem::path &path) // NOLINT(google-explicit-constructor)
-        : m_native(path.native())
-    {
-    }
+    NativePath(const value_type *native); // NOLINT(google-explicit-constructor)
+    NativePath(const std::filesystem::path &path); // NOLINT(google-explicit-constructor)
 
     /// The native path for a text (UTF-8 bytes on POSIX).
     static NativePath fromText(const QString &text);
@@ -43,10 +41,17 @@ public:
     /// percent-encoded form); none for a URL that is not a local file.
     static std::optional<NativePath> fromLocalFileUrl(const QUrl &url);
 
-    [[nodiscard]] const string_type &native() const { return m_native; }
-    [[nodiscard]] const value_type *c_str() const { return m_native.c_str(); }
-    [[nodiscard]] bool isEmpty() const { return m_native.empty(); }
-    [[nodiscard]] std::filesystem::path toStdPath() const { return m_native; }
+    [[nodiscard]] const string_type &native() const
+    {
+        return m_native;
+    }
+    /// The native spelling, terminated by a zero, for the system's calls.
+    [[nodiscard]] const value_type *c_str() const;
+    [[nodiscard]] bool isEmpty() const
+    {
+        return m_native.isEmpty();
+    }
+    [[nodiscard]] std::filesystem::path toStdPath() const;
 
     /// The text for display and for the rules; bytes that are not valid UTF-8 become U+FFFD.
     [[nodiscard]] QString toText() const;
@@ -55,7 +60,7 @@ public:
     /// The text of fileName().
     [[nodiscard]] QString fileNameText() const;
     /// Where the last component starts in native(): the folder part, separator included, comes before it.
-    [[nodiscard]] std::size_t fileNameOffset() const;
+    [[nodiscard]] qsizetype fileNameOffset() const;
     /// The folder that holds the item: "/a/b" for "/a/b/c", "/" for "/a", empty for a bare name.
     [[nodiscard]] NativePath parent() const;
     /// The location of `name` inside this folder.
@@ -70,7 +75,10 @@ public:
     [[nodiscard]] bool isWithin(const NativePath &folder) const;
 
     friend bool operator==(const NativePath &, const NativePath &) = default;
-    friend std::strong_ordering operator<=>(const NativePath &, const NativePath &) = default;
+    friend std::strong_ordering operator<=>(const NativePath &left, const NativePath &right)
+    {
+        return left.m_native.compare(right.m_native) <=> 0;
+    }
 
 private:
     string_type m_native;
@@ -81,11 +89,10 @@ size_t qHash(const NativePath &path, size_t seed = 0) noexcept;
 
 } // namespace quillfern
 
+Q_DECLARE_TYPEINFO(quillfern::NativePath, Q_RELOCATABLE_TYPE);
+
 template<>
 struct std::hash<quillfern::NativePath>
 {
-    size_t operator()(const quillfern::NativePath &path) const noexcept
-    {
-        return std::hash<quillfern::NativePath::string_type>{}(path.native());
-    }
+    size_t operator()(const quillfern::NativePath &path) const noexcept { return quillfern::qHash(path); }
 };

@@ -8,6 +8,8 @@
 
 #include <algorithm>
 #include <array>
+#include <atomic>
+#include <cstring>
 #include <memory>
 #include <numeric>
 #include <string>
@@ -44,17 +46,14 @@ std::string withoutTerminator(const char *key, int32_t length)
     return std::string(key, std::size_t(std::max(length, 1) - 1));
 }
 
-/// Sort keys of the current locale's collation: comparing keys orders like a locale-aware compare, which is
-/// not numeric-aware ("file10" before "file2").
+/// Sort keys of a locale's collation: comparing keys orders like a locale-aware compare, which is not
+/// numeric-aware ("file10" before "file2"). Each thread needs its own: ICU collators are not thread-safe.
 class CollationKeys final
 {
 public:
-    CollationKeys()
+    explicit CollationKeys(const icu::Collator *collator)
+        : m_collator(collator ? collator->clone() : nullptr)
     {
-        UErrorCode status = U_ZERO_ERROR;
-        m_collator.reset(icu::Collator::createInstance(icu::Locale::getDefault(), status));
-        if (!icutext::succeeded(status))
-            m_collator.reset();
     }
 
     [[nodiscard]] std::string keyOf(const QString &text) const
@@ -76,12 +75,30 @@ private:
     std::unique_ptr<icu::Collator> m_collator;
 };
 
-/// The positions stably sorted by the keys of their items, each read once, `before` deciding the order of two
-/// keys. The keys are computed on every core; each range of positions gets its own key function from
-/// `makeKeyOf`, since ICU collators are not shared between threads.
-template<typename Key, typename MakeKeyOf, typename Before>
-QList<qsizetype>
-stablySorted(const QList<FileItem> &files, QList<qsizetype> positions, MakeKeyOf makeKeyOf, Before before)
+std::unique_ptr<icu::Collator> defaultLocaleCollator()
+{
+    UErrorCode status = U_ZERO_ERROR;
+    std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(icu::Locale::getDefault(), status));
+    return icutext::succeeded(status) ? std::move(collator) : nullptr;
+}
+
+/// Whether the current locale's collation orders printable ASCII text exactly as its bytes: ICU's stand-in for
+/// the C locale does (a test holds it to that), and building that collator alone costs more than sorting
+/// 10,000 names by their bytes.
+bool collatesPrintableAsciiAsBytes()
+{
+    return std::strcmp(icu::Locale::getDefault().getName(), "en_US_POSIX") == 0;
+}
+
+bool isPrintableAscii(QStringView text)
+{
+    return std::all_of(text.begin(), text.end(), [](QChar unit) { return unit >= u' ' && unit <= u'~'; });
+}
+
+/// The key of every item at `positions`, at the item's index in `files`. The keys are computed on every core;
+/// each range of positions gets its own key function from `makeKeyOf`.
+template<typename Key, typename MakeKeyOf>
+std::vector<Key> keysOf(const QList<FileItem> &files, const QList<qsizetype> &positions, MakeKeyOf makeKeyOf)
 {
     std::vector<Key> keys(std::size_t(files.size()));
     parallelchunks::run(positions.size(), [&](qsizetype begin, qsizetype end) {
@@ -89,10 +106,51 @@ stablySorted(const QList<FileItem> &files, QList<qsizetype> positions, MakeKeyOf
         for (qsizetype index = begin; index < end; ++index)
             keys[std::size_t(positions[index])] = keyOf(files[positions[index]]);
     });
+    return keys;
+}
+
+/// The positions stably sorted by their items' keys, `before` deciding the order of two keys.
+template<typename Key, typename Before>
+QList<qsizetype> sortedByKeys(QList<qsizetype> positions, const std::vector<Key> &keys, Before before)
+{
     std::stable_sort(positions.begin(), positions.end(), [&](qsizetype left, qsizetype right) {
         return before(keys[std::size_t(left)], keys[std::size_t(right)]);
     });
     return positions;
+}
+
+/// The positions sorted by a text of their items compared in the user's locale.
+template<typename TextOf>
+QList<qsizetype> sortedByText(const QList<FileItem> &files, QList<qsizetype> positions, TextOf textOf)
+{
+    if (collatesPrintableAsciiAsBytes()) {
+        std::atomic<bool> isAllPrintableAscii = true;
+        const auto bytes = keysOf<std::string>(files, positions, [&] {
+            return [&](const FileItem &item) {
+                const QString text = textOf(item);
+                if (!isPrintableAscii(text))
+                    isAllPrintableAscii.store(false, std::memory_order_relaxed);
+                return text.toStdString();
+            };
+        });
+        if (isAllPrintableAscii)
+            return sortedByKeys(std::move(positions), bytes, std::less<>());
+    }
+    const std::unique_ptr<icu::Collator> collator = defaultLocaleCollator();
+    const auto keys = keysOf<std::string>(files, positions, [&] {
+        return [&textOf, collation = CollationKeys(collator.get())](const FileItem &item) {
+            return collation.keyOf(textOf(item));
+        };
+    });
+    return sortedByKeys(std::move(positions), keys, std::less<>());
+}
+
+/// The positions sorted by a number read from the file system for each item, largest first.
+template<typename NumberOf>
+QList<qsizetype> sortedByNumberDescending(const QList<FileItem> &files, QList<qsizetype> positions, NumberOf numberOf)
+{
+    const auto numbers = keysOf<qint64>(files, positions, [&] { return numberOf; });
+    return sortedByKeys(std::move(positions), numbers, std::greater<>());
 }
 
 QList<qsizetype>
@@ -100,42 +158,21 @@ sortedPositions(const QList<FileItem> &files, QList<qsizetype> positions, AppVie
 {
     switch (order) {
     case AppViewModel::SortOrder::Name:
-    case AppViewModel::SortOrder::Type: {
-        // Both compare text in the user's locale: the full name, or the extension (an empty one first).
-        const bool byName = order == AppViewModel::SortOrder::Name;
-        return stablySorted<std::string>(
-            files,
-            std::move(positions),
-            [byName] {
-                return [byName, collation = CollationKeys()](const FileItem &item) {
-                    return collation.keyOf(byName ? item.originalName() : item.fileExtension());
-                };
-            },
-            std::less<>());
-    }
+        return sortedByText(files, std::move(positions), [](const FileItem &item) { return item.originalName(); });
+    case AppViewModel::SortOrder::Type:
+        // An empty extension sorts first.
+        return sortedByText(files, std::move(positions), [](const FileItem &item) { return item.fileExtension(); });
     case AppViewModel::SortOrder::Date:
         // Newest first; an unreadable date counts as the most distant past.
-        return stablySorted<qint64>(
-            files,
-            std::move(positions),
-            [] {
-                return [](const FileItem &item) {
-                    const auto date = fileattributes::modificationDate(item.url);
-                    return date ? date->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
-                };
-            },
-            std::greater<>());
+        return sortedByNumberDescending(files, std::move(positions), [](const FileItem &item) {
+            const auto date = fileattributes::modificationDate(item.url);
+            return date ? date->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
+        });
     case AppViewModel::SortOrder::Size:
         // Largest first; folders and unreadable sizes count as 0.
-        return stablySorted<qint64>(
-            files,
-            std::move(positions),
-            [] {
-                return [](const FileItem &item) {
-                    return fileattributes::fileSize(item.url).value_or(0);
-                };
-            },
-            std::greater<>());
+        return sortedByNumberDescending(files, std::move(positions), [](const FileItem &item) {
+            return fileattributes::fileSize(item.url).value_or(0);
+        });
     }
     return positions;
 }

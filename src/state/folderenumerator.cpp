@@ -70,14 +70,19 @@ void forEachEntry(const NativePath &folder, const std::function<void(NativePath,
     const std::unique_ptr<DIR, int (*)(DIR *)> listing(opendir(folder.c_str()), &closedir);
     if (!listing)
         return;
-    std::string prefix = folder.native();
-    if (prefix.empty() || prefix.back() != '/')
+    QByteArray prefix = folder.native();
+    if (!prefix.endsWith('/'))
         prefix += '/';
     while (const dirent *entry = readdir(listing.get())) {
         if (isDotOrDotDot(entry->d_name))
             continue;
         const Kind kind = kindOf(listing.get(), *entry);
-        NativePath location(prefix + entry->d_name);
+        // Measured as a view: concatenated as it is, the name's array would reserve its full 256 bytes.
+        const QByteArrayView name(entry->d_name);
+        QByteArray path;
+        path.reserve(prefix.size() + name.size());
+        path.append(prefix).append(name);
+        NativePath location(std::move(path));
         if (kind.isDirectory && !kind.isLink) {
             visit(location, true);
             forEachEntry(location, visit);

@@ -3,12 +3,16 @@
 #include "state/appviewmodel.h"
 #include "testfiles.h"
 
+#include <QRandomGenerator>
 #include <QSignalSpy>
 #include <QTest>
 
+#include <unicode/coll.h>
 #include <unicode/locid.h>
 
+#include <algorithm>
 #include <fstream>
+#include <memory>
 
 using namespace quillfern;
 using namespace Qt::StringLiterals;
@@ -42,6 +46,8 @@ private Q_SLOTS:
     void onlyFlagsFilterByKind();
     void filterIsCaseInsensitiveOnTheFullName();
     void nameSortIsNotNumeric();
+    void posixLocaleSortFollowsItsCollation_data();
+    void posixLocaleSortFollowsItsCollation();
     void dateSortPutsNewestFirstAndUndatedLast();
     void sizeSortPutsLargestFirstAndFoldersLast();
     void typeSortPutsNoExtensionFirst();
@@ -133,7 +139,7 @@ void TestFileCollection::namesThatAreNotUtf8AreListed()
     vm.setIncludeSubfolders(true);
     vm.addFiles({folder});
     QCOMPARE(vm.files().size(), 1);
-    QCOMPARE(vm.files().first().url.fileName().native(), std::string("r\xe9sum\xe9.doc"));
+    QCOMPARE(vm.files().first().url.fileName().native(), QByteArray("r\xe9sum\xe9.doc"));
     QCOMPARE(vm.files().first().originalName(), u"r\uFFFDsum\uFFFD.doc"_s);
     // QTemporaryDir cannot remove a name it cannot decode.
     fs::remove(vm.files().first().url.toStdPath());
@@ -239,6 +245,51 @@ void TestFileCollection::nameSortIsNotNumeric()
     AppViewModel vm;
     vm.addFiles({files.file(u"file2.txt"_s), files.file(u"file10.txt"_s), files.file(u"File1.txt"_s)});
     QCOMPARE(names(vm.filteredFiles()), (QStringList{u"File1.txt"_s, u"file10.txt"_s, u"file2.txt"_s}));
+}
+
+void TestFileCollection::posixLocaleSortFollowsItsCollation_data()
+{
+    // Names made of printable ASCII only are sorted by their bytes in this locale, any others by its collator;
+    // either way the order must be the collator's. Missing paths are listed too, so no file is created.
+    QTest::addColumn<QString>("alphabet");
+    QTest::newRow("printable ASCII, every character but the separator")
+        << u" !\"#$%&'()*+,-.0123456789:;<=>?@ABCDEFGHIJKLMNOPQRSTUVWXYZ[\\]^_`abcdefghijklmnopqrstuvwxyz{|}~"_s;
+    QTest::newRow("letters with accents and a control character") << u"eEf\u00e9\u00c9z\u0001.\u00df"_s;
+}
+
+void TestFileCollection::posixLocaleSortFollowsItsCollation()
+{
+    QFETCH(QString, alphabet);
+    UErrorCode status = U_ZERO_ERROR;
+    // ICU's name for the C (POSIX) locale.
+    icu::Locale::setDefault(icu::Locale("en_US_POSIX"), status);
+    const auto restoreEnglish = qScopeGuard([] {
+        UErrorCode restoreStatus = U_ZERO_ERROR;
+        icu::Locale::setDefault(icu::Locale("en_US"), restoreStatus);
+    });
+    const std::unique_ptr<icu::Collator> collator(icu::Collator::createInstance(icu::Locale("en_US_POSIX"), status));
+    QVERIFY(U_SUCCESS(status));
+
+    QRandomGenerator random(7);
+    QList<NativePath> locations;
+    QStringList expected;
+    for (int count = 0; count < 3000; ++count) {
+        QString name;
+        for (int length = 1 + random.bounded(4); length > 0; --length)
+            name += alphabet[random.bounded(int(alphabet.size()))];
+        expected << name;
+        locations << NativePath::fromText(u"/nonexistent/"_s + name);
+    }
+    std::stable_sort(expected.begin(), expected.end(), [&](const QString &left, const QString &right) {
+        UErrorCode compareStatus = U_ZERO_ERROR;
+        return collator->compare(icu::UnicodeString(false, left.utf16(), int32_t(left.size())),
+                   icu::UnicodeString(false, right.utf16(), int32_t(right.size())),
+                   compareStatus)
+            == UCOL_LESS;
+    });
+    AppViewModel vm;
+    vm.addFiles(locations);
+    QCOMPARE(names(vm.filteredFiles()), expected);
 }
 
 void TestFileCollection::dateSortPutsNewestFirstAndUndatedLast()
