@@ -112,14 +112,6 @@ QString titleOfPlainAsciiWords(const QString &text)
 
 } // namespace
 
-CaseMapper::CaseMapper()
-{
-    UErrorCode status = U_ZERO_ERROR;
-    m_wordIterator.reset(icu::BreakIterator::createWordInstance(icu::Locale::getRoot(), status));
-    if (!icutext::succeeded(status))
-        m_wordIterator.reset();
-}
-
 QString CaseMapper::upper(const QString &text) const
 {
     // ASCII maps one to one, and Qt's mapping of it is the same and much cheaper.

@@ -1,10 +1,8 @@
 #pragma once
 
+#include "engine/lazybreakiterator_p.h"
+
 #include <QString>
-
-#include <unicode/brkiter.h>
-
-#include <memory>
 
 namespace quillfern {
 
@@ -13,15 +11,13 @@ namespace quillfern {
 class CaseMapper final
 {
 public:
-    CaseMapper();
-
     [[nodiscard]] QString upper(const QString &text) const;
     [[nodiscard]] QString lower(const QString &text) const;
     /// The first letter of every word upper-case (title-case), every other letter lower-case.
     [[nodiscard]] QString title(const QString &text);
 
 private:
-    std::unique_ptr<icu::BreakIterator> m_wordIterator;
+    LazyBreakIterator m_wordIterator{LazyBreakIterator::Kind::Word};
 };
 
 } // namespace quillfern

@@ -5,14 +5,6 @@
 
 namespace quillfern {
 
-Graphemes::Graphemes()
-{
-    UErrorCode status = U_ZERO_ERROR;
-    m_iterator.reset(icu::BreakIterator::createCharacterInstance(icu::Locale::getRoot(), status));
-    if (!icutext::succeeded(status))
-        m_iterator.reset();
-}
-
 bool Graphemes::isOneUnitPerCharacter(QStringView text)
 {
     return std::all_of(text.begin(), text.end(), [](QChar unit) { return unit.unicode() < 0x80 && unit != u'\r'; });
@@ -20,12 +12,13 @@ bool Graphemes::isOneUnitPerCharacter(QStringView text)
 
 qsizetype Graphemes::count(const QString &text)
 {
-    if (isOneUnitPerCharacter(text) || !m_iterator)
+    icu::BreakIterator *iterator = isOneUnitPerCharacter(text) ? nullptr : m_iterator.get();
+    if (!iterator)
         return text.size();
     const icu::UnicodeString input = icutext::alias(text);
-    m_iterator->setText(input);
+    iterator->setText(input);
     qsizetype characters = 0;
-    while (m_iterator->next() != icu::BreakIterator::DONE)
+    while (iterator->next() != icu::BreakIterator::DONE)
         ++characters;
     return characters;
 }
@@ -33,13 +26,14 @@ qsizetype Graphemes::count(const QString &text)
 qsizetype Graphemes::offsetOf(const QString &text, qint64 position)
 {
     Q_ASSERT(position >= 0);
-    if (isOneUnitPerCharacter(text) || !m_iterator)
+    icu::BreakIterator *iterator = isOneUnitPerCharacter(text) ? nullptr : m_iterator.get();
+    if (!iterator)
         return qsizetype(std::min<qint64>(position, text.size()));
     const icu::UnicodeString input = icutext::alias(text);
-    m_iterator->setText(input);
+    iterator->setText(input);
     int32_t offset = 0;
     for (qint64 passed = 0; passed < position; ++passed) {
-        const int32_t next = m_iterator->next();
+        const int32_t next = iterator->next();
         if (next == icu::BreakIterator::DONE)
             break;
         offset = next;

@@ -1,10 +1,8 @@
 #pragma once
 
+#include "engine/lazybreakiterator_p.h"
+
 #include <QString>
-
-#include <unicode/brkiter.h>
-
-#include <memory>
 
 namespace quillfern {
 
@@ -13,8 +11,6 @@ namespace quillfern {
 class Graphemes final
 {
 public:
-    Graphemes();
-
     /// The number of characters in the text.
     [[nodiscard]] qsizetype count(const QString &text);
 
@@ -26,7 +22,7 @@ private:
     /// Whether every character is one code unit (ASCII without CR, which joins a following LF).
     [[nodiscard]] static bool isOneUnitPerCharacter(QStringView text);
 
-    std::unique_ptr<icu::BreakIterator> m_iterator;
+    LazyBreakIterator m_iterator{LazyBreakIterator::Kind::Character};
 };
 
 } // namespace quillfern

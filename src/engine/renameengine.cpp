@@ -1,6 +1,6 @@
 #include "engine/renameengine.h"
 
-#include "engine/newnamecheck_p.h"
+#include "engine/moveplanner_p.h"
 #include "engine/parallelchunks.h"
 #include "engine/preconditions_p.h"
 #include "engine/rulepipeline_p.h"
@@ -79,39 +79,6 @@ std::vector<NamedFile> nameAll(const QList<RenameRule> &rules, const QList<FileI
     parallelchunks::run(files.size(),
         [&](qsizetype begin, qsizetype end) { nameRange(rules, files, named, begin, end); });
     return named;
-}
-
-/// What the batch does with one file: nothing, or a move to its new name (refused when the name is invalid).
-struct PlannedMove
-{
-    bool isWanted = false;
-    NativePath newName;
-    QString invalidReason;
-};
-
-/// The plan for every file, computed on every core: a new name depends only on the rules and the file's
-/// position, never on the moves before it. An unselected file gets no move but keeps its position for the
-/// numbering of the files after it; a name no rule changed (compared as text, so a name that is not valid
-/// UTF-8 is left alone) gets none either.
-std::vector<PlannedMove> planMoves(const QList<RenameRule> &rules, const QList<FileItem> &files)
-{
-    std::vector<PlannedMove> planned(std::size_t(files.size()));
-    parallelchunks::run(files.size(), [&](qsizetype begin, qsizetype end) {
-        RulePipeline pipeline(rules);
-        for (qsizetype i = begin; i < end; ++i) {
-            if (!files[i].isSelected)
-                continue;
-            const QString original = files[i].originalName();
-            const QString newName = pipeline.newName(original, i);
-            PlannedMove &plan = planned[std::size_t(i)];
-            plan.isWanted = newName != original;
-            if (!plan.isWanted)
-                continue;
-            plan.newName = NativePath::fromText(newName);
-            plan.invalidReason = newnamecheck::whyInvalid(newName);
-        }
-    });
-    return planned;
 }
 
 RenameResult failure(const NativePath &from, const NativePath &to, const QString &message)
@@ -194,7 +161,7 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QLi
 QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QList<RenameRule> &rules, FileMover &mover)
 {
     const auto finishBatch = qScopeGuard([&] { mover.finishBatch(); });
-    const std::vector<PlannedMove> planned = planMoves(rules, files);
+    MovePlanner planner(rules, files);
     QList<RenameResult> results;
     results.reserve(files.size());
     // A folder listed before its contents may be renamed first; its contents are then followed to where
@@ -202,7 +169,7 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QLi
     MovedLocations moved;
     for (qsizetype i = 0; i < files.size(); ++i) {
         const FileItem &file = files[i];
-        const PlannedMove &plan = planned[std::size_t(i)];
+        const MovePlanner::Plan &plan = planner.at(i);
         if (!plan.isWanted)
             continue;
         const std::optional<NativePath> followed = moved.newLocation(file.url);

@@ -16,8 +16,9 @@
 
 namespace quillfern {
 
-/// A rule list compiled once for many names: patterns, searches, iterators and date formatters are built when
-/// the pipeline is made, not per name. Not thread-safe: each thread makes its own.
+/// A rule list compiled once for many names: patterns, searches and date formatters are built when the
+/// pipeline is made, break iterators when a name first needs them; never per name. Not thread-safe: each
+/// thread makes its own.
 class RulePipeline final
 {
 public:

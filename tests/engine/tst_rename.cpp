@@ -32,6 +32,7 @@ private Q_SLOTS:
     void invalidNewNamesFailWithTheReason_data();
     void invalidNewNamesFailWithTheReason();
     void failedMoveInTheMiddleStopsNothing();
+    void largeBatchNamesEveryFileByItsPosition();
     void caseOnlyRenameOnACaseInsensitiveDiskGoesThroughATemporaryName();
     void failedSecondStepMovesTheItemBack();
     void failedMoveBackSaysWhereTheItemIs();
@@ -256,6 +257,37 @@ void TestRename::failedMoveInTheMiddleStopsNothing()
     QCOMPARE(mover.moves().size(), 4);
     // The batch is over for the mover too, so it keeps nothing open for the next one.
     QCOMPARE(mover.finishedBatches(), 1);
+}
+
+void TestRename::largeBatchNamesEveryFileByItsPosition()
+{
+    // Enough files for the names to be worked out on several threads while the first ones are moved.
+    QList<NativePath> paths;
+    for (int i = 0; i < 5000; ++i)
+        paths.append(NativePath::fromText(u"/f/file %1.txt"_s.arg(i)));
+    QList<FileItem> files = itemsFor(paths);
+    for (qsizetype i = 0; i < files.size(); i += 7)
+        files[i].isSelected = false;
+    // Its new name would be too long: refused without a move, in its place in the batch.
+    files[4321].url = NativePath::fromText(u"/f/"_s + QString(250, u'x') + u".txt"_s);
+    FakeFileMover mover(paths);
+    RenameRule numbering(RuleType::Numbering);
+    numbering.numberingPadding = 4;
+    const QList<RenameResult> results = RenameEngine::rename(files, {numbering}, mover);
+
+    qsizetype next = 0;
+    for (qsizetype i = 0; i < files.size(); ++i) {
+        if (!files[i].isSelected)
+            continue;
+        QVERIFY(next < results.size());
+        const RenameResult &result = results[next++];
+        QCOMPARE(result.originalURL, files[i].url);
+        const QString expected = files[i].nameWithoutExtension() + u"_%1.txt"_s.arg(i + 1, 4, 10, QChar(u'0'));
+        QCOMPARE(result.newURL.fileNameText(), expected);
+        QCOMPARE(result.success, i != 4321);
+    }
+    QCOMPARE(next, results.size());
+    QCOMPARE(mover.moves().size(), results.size() - 1);
 }
 
 void TestRename::caseOnlyRenameOnACaseInsensitiveDiskGoesThroughATemporaryName()
