@@ -269,7 +269,9 @@ int CliTool::runRename()
         m_out << PreviewPrinter::resultJson(results);
         m_err << PreviewPrinter::resultSummary(results) << '\n';
     } else {
-        PreviewPrinter::writeResultLines(m_out, results);
+        // The lines go to the device beneath the stream, after what the stream holds.
+        m_out.flush();
+        PreviewPrinter::writeResultLines(*m_out.device(), results);
         m_out << PreviewPrinter::resultSummary(results) << '\n';
     }
     const bool anyFailed =

@@ -26,6 +26,21 @@ QString painted(const QString &text, QStringView style, bool useColour)
     return useColour ? style + text + reset : text;
 }
 
+/// Appends the text of the location from `offset` on, in UTF-8. On POSIX systems a location that is valid UTF-8,
+/// as nearly all are, is its own text, so it is copied as it is instead of going through UTF-16 and back.
+void appendText(QByteArray &bytes, const NativePath &location, qsizetype offset = 0)
+{
+#ifdef Q_OS_WIN
+    bytes.append(QStringView(location.native()).sliced(offset).toUtf8());
+#else
+    const QByteArrayView native = QByteArrayView(location.native()).sliced(offset);
+    if (native.isValidUtf8())
+        bytes.append(native);
+    else
+        bytes.append(QString::fromUtf8(native).toUtf8());
+#endif
+}
+
 QString jsonText(const QJsonArray &array)
 {
     return QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Indented));
@@ -78,15 +93,25 @@ QString PreviewPrinter::json(const QList<PreviewEntry> &previews, const QList<Fi
     return jsonText(array);
 }
 
-void PreviewPrinter::writeResultLines(QTextStream &out, const QList<RenameResult> &results)
+void PreviewPrinter::writeResultLines(QIODevice &out, const QList<RenameResult> &results)
 {
+    constexpr qsizetype pieceSize = 64 * 1024;
+    QByteArray piece;
+    piece.reserve(pieceSize + 1024);
     for (const RenameResult &result : results) {
-        out << (result.success ? QStringView(u"renamed: ") : QStringView(u"failed: ")) << result.originalURL.toText()
-            << QStringView(u" -> ") << result.newURL.fileNameText();
+        piece.append(result.success ? "renamed: " : "failed: ");
+        appendText(piece, result.originalURL);
+        piece.append(" -> ");
+        appendText(piece, result.newURL, result.newURL.fileNameOffset());
         if (!result.success)
-            out << QStringView(u": ") << result.error.value_or(u"Unknown error"_s);
-        out << QChar(u'\n');
+            piece.append(": ").append(result.error.value_or(u"Unknown error"_s).toUtf8());
+        piece.append('\n');
+        if (piece.size() >= pieceSize) {
+            out.write(piece);
+            piece.resize(0);
+        }
     }
+    out.write(piece);
 }
 
 QString PreviewPrinter::resultJson(const QList<RenameResult> &results)

@@ -4,6 +4,7 @@
 #include "model/fileitem.h"
 #include "model/renameresult.h"
 
+#include <QIODevice>
 #include <QList>
 #include <QString>
 #include <QTextStream>
@@ -23,9 +24,9 @@ public:
     [[nodiscard]] static QString json(const QList<PreviewEntry> &previews, const QList<FileItem> &files);
     /// "3 files, 2 changes, 1 conflict".
     [[nodiscard]] static QString summary(const QList<PreviewEntry> &previews);
-    /// Writes one line per result: "renamed: old -> new" or "failed: old -> new: why". Written line by line, as a
-    /// batch of 100,000 results would otherwise be held as one text of megabytes first.
-    static void writeResultLines(QTextStream &out, const QList<RenameResult> &results);
+    /// Writes one line per result in UTF-8: "renamed: old -> new" or "failed: old -> new: why". Written in pieces,
+    /// as a batch of 100,000 results would otherwise be held as one text of megabytes first.
+    static void writeResultLines(QIODevice &out, const QList<RenameResult> &results);
     /// A JSON array of {"originalPath", "newPath", "success", "error"}.
     [[nodiscard]] static QString resultJson(const QList<RenameResult> &results);
     /// "2 renamed, 1 failed".

@@ -8,11 +8,12 @@
 
 #include <algorithm>
 #include <array>
-#include <atomic>
 #include <cstring>
 #include <memory>
 #include <numeric>
+#include <optional>
 #include <string>
+#include <type_traits>
 #include <vector>
 
 namespace quillfern {
@@ -90,9 +91,30 @@ bool collatesPrintableAsciiAsBytes()
     return std::strcmp(icu::Locale::getDefault().getName(), "en_US_POSIX") == 0;
 }
 
-bool isPrintableAscii(QStringView text)
+/// A name as the location spells it (bytes on POSIX systems, UTF-16 on Windows), without a copy.
+using NameView = std::conditional_t<std::is_same_v<NativePath::string_type, QString>, QStringView, QByteArrayView>;
+
+/// The names of the items at `positions`, at the items' indexes in `files`, when every one of them is printable
+/// ASCII; none otherwise. Such a name is its own text, so comparing the views orders as comparing the texts.
+std::optional<std::vector<NameView>> printableAsciiNames(const QList<FileItem> &files,
+    const QList<qsizetype> &positions)
 {
-    return std::all_of(text.begin(), text.end(), [](QChar unit) { return unit >= u' ' && unit <= u'~'; });
+    std::vector<NameView> names(std::size_t(files.size()));
+    for (const qsizetype position : positions) {
+        const NativePath &location = files[position].url;
+        const NameView name = NameView(location.native()).sliced(location.fileNameOffset());
+        const bool isPrintableAscii = std::all_of(name.begin(), name.end(), [](auto unit) {
+            // A byte of 0x80 or more is below the space as a signed char and above the tilde as an unsigned one.
+            if constexpr (std::is_same_v<decltype(unit), QChar>)
+                return unit >= u' ' && unit <= u'~';
+            else
+                return unit >= ' ' && unit <= '~';
+        });
+        if (!isPrintableAscii)
+            return std::nullopt;
+        names[std::size_t(position)] = name;
+    }
+    return names;
 }
 
 /// The key of every item at `positions`, at the item's index in `files`. The keys are computed on every core;
@@ -123,19 +145,6 @@ QList<qsizetype> sortedByKeys(QList<qsizetype> positions, const std::vector<Key>
 template<typename TextOf>
 QList<qsizetype> sortedByText(const QList<FileItem> &files, QList<qsizetype> positions, TextOf textOf)
 {
-    if (collatesPrintableAsciiAsBytes()) {
-        std::atomic<bool> isAllPrintableAscii = true;
-        const auto bytes = keysOf<std::string>(files, positions, [&] {
-            return [&](const FileItem &item) {
-                const QString text = textOf(item);
-                if (!isPrintableAscii(text))
-                    isAllPrintableAscii.store(false, std::memory_order_relaxed);
-                return text.toStdString();
-            };
-        });
-        if (isAllPrintableAscii)
-            return sortedByKeys(std::move(positions), bytes, std::less<>());
-    }
     const std::unique_ptr<icu::Collator> collator = defaultLocaleCollator();
     const auto keys = keysOf<std::string>(files, positions, [&] {
         return [&textOf, collation = CollationKeys(collator.get())](const FileItem &item) {
@@ -158,6 +167,10 @@ sortedPositions(const QList<FileItem> &files, QList<qsizetype> positions, AppVie
 {
     switch (order) {
     case AppViewModel::SortOrder::Name:
+        if (collatesPrintableAsciiAsBytes()) {
+            if (const auto names = printableAsciiNames(files, positions))
+                return sortedByKeys(std::move(positions), *names, std::less<>());
+        }
         return sortedByText(files, std::move(positions), [](const FileItem &item) { return item.originalName(); });
     case AppViewModel::SortOrder::Type:
         // An empty extension sorts first.

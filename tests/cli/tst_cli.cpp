@@ -21,6 +21,8 @@ struct Run
     int exitCode = -1;
     QString out;
     QString err;
+    /// Standard output as written, before decoding.
+    QByteArray outBytes;
 };
 
 } // namespace
@@ -87,9 +89,11 @@ Run TestCli::run(const QStringList &arguments, const QByteArray &input) const
     process.closeWriteChannel();
     if (!process.waitForFinished(60000))
         return {};
+    const QByteArray out = process.readAllStandardOutput();
     return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2,
-        QString::fromUtf8(process.readAllStandardOutput()),
-        QString::fromUtf8(process.readAllStandardError())};
+        QString::fromUtf8(out),
+        QString::fromUtf8(process.readAllStandardError()),
+        out};
 }
 
 QString TestCli::file(const QString &relative, const QByteArray &content) const
@@ -405,6 +409,10 @@ void TestCli::renameNameThatIsNotUtf8()
     QCOMPARE(result.exitCode, 0);
     QVERIFY(exists(u"café.txt"_s));
     QVERIFY(!std::ifstream(folder + "/caf\xe9.txt").good());
+    // The line shows the old name as text, U+FFFD in UTF-8 for the byte that is not UTF-8.
+    const QByteArray line =
+        "renamed: " + QByteArray::fromStdString(folder) + "/caf\xef\xbf\xbd.txt -> caf\xc3\xa9.txt\n";
+    QVERIFY2(result.outBytes.contains(line), result.outBytes.constData());
 #endif
 }
 
