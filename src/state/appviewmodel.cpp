@@ -10,6 +10,7 @@
 #include "presets/preset.h"
 #include "state/filteredfiles_p.h"
 #include "state/folderenumerator_p.h"
+#include "state/itemcollector_p.h"
 #include "state/panelprovider.h"
 
 #include <QCoreApplication>
@@ -172,10 +173,10 @@ void AppViewModel::addFiles(const QList<NativePath> &locations)
     for (const FileItem &item : std::as_const(m_files))
         existing.insert(item.url);
 
-    QList<FileItem> added;
+    ItemCollector collector;
     const auto addIfNew = [&](NativePath location, bool isDirectory) {
         if (!existing.contains(location))
-            added.emplaceBack(std::move(location), isDirectory);
+            collector.add(std::move(location), isDirectory);
     };
     for (const NativePath &given : locations) {
         const NativePath location = given.withoutTrailingSeparator();
@@ -185,6 +186,7 @@ void AppViewModel::addFiles(const QList<NativePath> &locations)
         else
             addIfNew(location, isDirectory);
     }
+    QList<FileItem> added = collector.take();
     if (!added.isEmpty()) {
         if (m_files.isEmpty()) {
             setFiles(std::move(added));
