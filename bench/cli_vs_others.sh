@@ -21,6 +21,8 @@ trap 'rm -rf "$work" /dev/shm/quillfern-bench "/var/tmp/quillfern-bench"' EXIT
 make_files() { # folder count
     rm -rf "$1" && mkdir -p "$1"
     (cd "$1" && seq -f 'file_%06g.txt' 1 "$2" | xargs touch)
+    # The disk writes of making (and deleting) the files happen now, not during the next timed run.
+    sync
 }
 
 printf '%-10s %-8s %-14s %10s %8s\n' place files tool seconds ratio
