@@ -21,7 +21,8 @@ std::optional<NativePath> MovedLocations::newLocation(const NativePath &location
     for (NativePath folder = location.parent(); folder.fileNameOffset() < folder.native().size();
          folder = folder.parent()) {
         if (const auto moved = m_moves.find(folder); moved != m_moves.end()) {
-            NativePath::string_type below = moved->second.native() + location.native().sliced(folder.native().size());
+            NativePath::string_type below =
+                moved->second.native() + NativePath::view_type(location.native()).sliced(folder.native().size());
             return NativePath(std::move(below));
         }
     }

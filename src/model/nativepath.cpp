@@ -182,10 +182,10 @@ NativePath NativePath::withoutTrailingSeparator() &&
         path = path.parent_path();
     return path;
 #else
+    // Read without writing access, which would copy a shared string; most paths have nothing to drop.
     qsizetype size = m_native.size();
-    while (size > 1 && m_native[size - 1] == separator)
+    while (size > 1 && m_native.at(size - 1) == separator)
         --size;
-    // Truncating a string that is shared would copy it; most paths have nothing to drop.
     if (size < m_native.size())
         m_native.truncate(size);
     return std::move(*this);

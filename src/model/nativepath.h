@@ -21,8 +21,10 @@ public:
     using value_type = std::filesystem::path::value_type;
 #ifdef Q_OS_WIN
     using string_type = QString;
+    using view_type = QStringView;
 #else
     using string_type = QByteArray;
+    using view_type = QByteArrayView;
 #endif
 
     NativePath() = default;

@@ -92,7 +92,7 @@ bool collatesPrintableAsciiAsBytes()
 }
 
 /// A name as the location spells it (bytes on POSIX systems, UTF-16 on Windows), without a copy.
-using NameView = std::conditional_t<std::is_same_v<NativePath::string_type, QString>, QStringView, QByteArrayView>;
+using NameView = NativePath::view_type;
 
 /// The names of the items at `positions`, at the items' indexes in `files`, when every one of them is printable
 /// ASCII; none otherwise. Such a name is its own text, so comparing the views orders as comparing the texts.
