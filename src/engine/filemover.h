@@ -1,5 +1,6 @@
 #pragma once
 
+#include "engine/itemidentity.h"
 #include "engine/moveerror.h"
 #include "model/nativepath.h"
 
@@ -27,6 +28,15 @@ public:
 
     /// Whether anything exists at the path (a dangling link counts).
     [[nodiscard]] virtual bool exists(const NativePath &path) = 0;
+
+    /// What the item at the path is (a link is the link itself, not its target); none when nothing is there or
+    /// it cannot be read.
+    [[nodiscard]] virtual std::optional<ItemIdentity> identity(const NativePath &path) = 0;
+
+    /// Whether the last successful move had no atomic protection against an item appearing at the destination
+    /// while it ran (a file system that offers neither a no-replace rename nor hard links). Such a move checked
+    /// the destination as late as it could, but another program could still have won the race.
+    [[nodiscard]] virtual bool lastMoveWasUnprotected() const { return false; }
 
     /// Called when a batch of moves ends. A mover that kept folders open for the batch closes them here:
     /// before the next batch they may have moved, and a kept descriptor would follow them.

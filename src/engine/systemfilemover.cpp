@@ -45,6 +45,31 @@ bool SystemFileMover::exists(const NativePath &path)
     return std::filesystem::exists(std::filesystem::symlink_status(path.toStdPath(), error));
 }
 
+std::optional<ItemIdentity> SystemFileMover::identity(const NativePath &path)
+{
+    const HANDLE handle = CreateFileW(path.c_str(),
+        FILE_READ_ATTRIBUTES,
+        FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+        nullptr,
+        OPEN_EXISTING,
+        FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT,
+        nullptr);
+    if (handle == INVALID_HANDLE_VALUE)
+        return std::nullopt;
+    BY_HANDLE_FILE_INFORMATION information = {};
+    const bool isRead = GetFileInformationByHandle(handle, &information);
+    CloseHandle(handle);
+    if (!isRead)
+        return std::nullopt;
+    const auto join = [](DWORD high, DWORD low) { return (quint64(high) << 32) | low; };
+    // FILETIME counts 100 ns steps from 1601; the identity only compares times, so the epoch does not matter.
+    return ItemIdentity{information.dwVolumeSerialNumber,
+        join(information.nFileIndexHigh, information.nFileIndexLow),
+        qint64(join(information.nFileSizeHigh, information.nFileSizeLow)),
+        qint64(join(information.ftLastWriteTime.dwHighDateTime, information.ftLastWriteTime.dwLowDateTime)) * 100,
+        (information.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0};
+}
+
 void SystemFileMover::finishBatch()
 {
 }
@@ -112,6 +137,23 @@ bool SystemFileMover::exists(const NativePath &path)
 {
     struct stat status = {};
     return lstat(path.c_str(), &status) == 0;
+}
+
+std::optional<ItemIdentity> SystemFileMover::identity(const NativePath &path)
+{
+    struct stat status = {};
+    if (lstat(path.c_str(), &status) != 0)
+        return std::nullopt;
+#if defined(Q_OS_DARWIN)
+    const struct timespec &modified = status.st_mtimespec;
+#else
+    const struct timespec &modified = status.st_mtim;
+#endif
+    return ItemIdentity{quint64(status.st_dev),
+        quint64(status.st_ino),
+        qint64(status.st_size),
+        qint64(modified.tv_sec) * 1'000'000'000 + modified.tv_nsec,
+        S_ISDIR(status.st_mode)};
 }
 
 #endif

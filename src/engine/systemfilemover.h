@@ -19,6 +19,7 @@ public:
     [[nodiscard]] std::optional<MoveError> move(const NativePath &from, const NativePath &to) override;
     [[nodiscard]] bool isSameItem(const NativePath &first, const NativePath &second) override;
     [[nodiscard]] bool exists(const NativePath &path) override;
+    [[nodiscard]] std::optional<ItemIdentity> identity(const NativePath &path) override;
     void finishBatch() override;
 
 private:

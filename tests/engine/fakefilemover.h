@@ -50,6 +50,13 @@ public:
 
     bool exists(const NativePath &path) override { return m_items.contains(key(path)); }
 
+    std::optional<ItemIdentity> identity(const NativePath &path) override
+    {
+        if (!m_items.contains(key(path)))
+            return std::nullopt;
+        return ItemIdentity{1, quint64(qHash(key(path))), 0, 0, false};
+    }
+
     void finishBatch() override { ++m_finishedBatches; }
 
     /// How many batches the engine said were finished.

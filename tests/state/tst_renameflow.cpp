@@ -50,6 +50,7 @@ public:
         return m_system.isSameItem(first, second);
     }
     bool exists(const NativePath &path) override { return m_system.exists(path); }
+    std::optional<ItemIdentity> identity(const NativePath &path) override { return m_system.identity(path); }
 
     QList<QThread *> threads;
 

@@ -52,6 +52,7 @@ public:
     }
     bool isSameItem(const NativePath &, const NativePath &) override { return false; }
     bool exists(const NativePath &) override { return false; }
+    std::optional<ItemIdentity> identity(const NativePath &) override { return std::nullopt; }
 };
 
 QString labelText(const QWidget *parent, const QString &objectName)

@@ -124,6 +124,10 @@ public:
         return m_system.isSameItem(first, second);
     }
     bool exists(const quillfern::NativePath &path) override { return m_system.exists(path); }
+    std::optional<ItemIdentity> identity(const quillfern::NativePath &path) override
+    {
+        return m_system.identity(path);
+    }
 
 private:
     SystemFileMover m_system;
