@@ -1,6 +1,8 @@
 #include "engine/renameengine.h"
 
-#include "engine/moveplanner_p.h"
+#include "engine/batchhistory.h"
+#include "engine/batchrunner.h"
+#include "engine/newnamecheck_p.h"
 #include "engine/parallelchunks.h"
 #include "engine/preconditions_p.h"
 #include "engine/rulepipeline_p.h"
@@ -8,8 +10,6 @@
 #include "model/movedlocations.h"
 #include "model/nativepath.h"
 
-#include <QScopeGuard>
-#include <QUuid>
 
 #include <algorithm>
 #include <vector>
@@ -81,50 +81,65 @@ std::vector<NamedFile> nameAll(const QList<RenameRule> &rules, const QList<FileI
     return named;
 }
 
-RenameResult failure(const NativePath &from, const NativePath &to, const QString &message)
+/// What a batch does with one file: nothing, or a move to its new name (refused when the name is invalid).
+struct PlannedName
 {
-    return RenameResult{from, to, false, message};
+    bool isWanted = false;
+    NativePath newName;
+    QString invalidReason;
+};
+
+// An unselected file gets no move but keeps its position for the numbering of the files after it; a name no
+// rule changed (compared as text, so a name that is not valid UTF-8 is left alone) gets none either.
+std::vector<PlannedName> planNames(const QList<RenameRule> &rules, const QList<FileItem> &files)
+{
+    std::vector<PlannedName> names(std::size_t(files.size()));
+    parallelchunks::run(files.size(), [&](qsizetype begin, qsizetype end) {
+        RulePipeline pipeline(rules);
+        for (qsizetype i = begin; i < end; ++i) {
+            if (!files[i].isSelected)
+                continue;
+            const QString original = files[i].originalName();
+            const QString newName = pipeline.newName(original, i);
+            PlannedName &name = names[std::size_t(i)];
+            name.isWanted = newName != original;
+            if (!name.isWanted)
+                continue;
+            name.newName = NativePath::fromText(newName);
+            name.invalidReason = newnamecheck::whyInvalid(newName);
+        }
+    });
+    return names;
 }
 
-/// A name in the folder of `path` that nothing uses, for the middle step of a case-only rename.
-NativePath unusedTemporaryPath(const NativePath &path, FileMover &mover)
+/// The moves of a batch: one request per wanted file with a valid new name, and the file of each request.
+struct BatchRequests
 {
-    NativePath candidate;
-    do {
-        const QString name = u".quillfern-rename-"_s + QUuid::createUuid().toString(QUuid::WithoutBraces);
-        candidate = path.withFileName(NativePath::fromText(name));
-    } while (mover.exists(candidate));
-    return candidate;
-}
+    QList<MoveRequest> requests;
+    std::vector<qsizetype> fileOfRequest;
+};
 
-/// Renames an item whose new name differs only in letter case on a file system that ignores case: the
-/// destination "exists" as the item itself, so it goes through a temporary name, each step checked.
-RenameResult renameThroughTemporary(const NativePath &from, const NativePath &to, FileMover &mover)
+BatchRequests requestsFor(const QList<FileItem> &files, const std::vector<PlannedName> &names)
 {
-    const NativePath temporary = unusedTemporaryPath(from, mover);
-    if (const auto error = mover.move(from, temporary))
-        return failure(from, to, error->message);
-    const auto error = mover.move(temporary, to);
-    if (!error)
-        return RenameResult{from, to, true, std::nullopt};
-    if (const auto restoreError = mover.move(temporary, from)) {
-        return failure(from,
-            to,
-            u"%1; moving it back failed too (%2), so it is now named “%3”."_s.arg(error->message,
-                restoreError->message,
-                temporary.fileNameText()));
+    BatchRequests batch;
+    for (qsizetype i = 0; i < files.size(); ++i) {
+        const PlannedName &name = names[std::size_t(i)];
+        if (!name.isWanted || !name.invalidReason.isEmpty())
+            continue;
+        batch.requests.append({files[i].url, name.newName});
+        batch.fileOfRequest.push_back(i);
     }
-    return failure(from, to, error->message);
+    return batch;
 }
 
-RenameResult renameOne(const NativePath &from, NativePath to, FileMover &mover)
+RenameResult resultOf(const FileItem &file, NativePath destination, const MoveOutcome &outcome)
 {
-    const auto error = mover.move(from, to);
-    if (!error)
-        return RenameResult{from, std::move(to), true, std::nullopt};
-    if (error->kind == MoveError::Kind::DestinationExists && mover.isSameItem(from, to))
-        return renameThroughTemporary(from, to, mover);
-    return failure(from, to, error->message);
+    if (outcome.state == MoveOutcome::State::Moved)
+        return RenameResult{file.url, std::move(destination), true, std::nullopt};
+    const QString error = outcome.state == MoveOutcome::State::Failed
+        ? outcome.error
+        : u"Not renamed: the batch was stopped before its turn."_s;
+    return RenameResult{file.url, std::move(destination), false, error};
 }
 
 } // namespace
@@ -155,39 +170,70 @@ QList<PreviewEntry> RenameEngine::preview(const QList<RenameRule> &rules, const 
 QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QList<RenameRule> &rules)
 {
     SystemFileMover mover;
-    return rename(files, rules, mover);
+    BatchRunner runner(mover);
+    runner.setHistoryFolder(BatchHistory::standardFolder());
+    return rename(files, rules, runner);
 }
 
 QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files, const QList<RenameRule> &rules, FileMover &mover)
 {
-    const auto finishBatch = qScopeGuard([&] { mover.finishBatch(); });
-    MovePlanner planner(rules, files);
-    QList<RenameResult> results;
-    results.reserve(files.size());
-    // A folder listed before its contents may be renamed first; its contents are then followed to where
-    // they are now.
+    BatchRunner runner(mover);
+    return rename(files, rules, runner);
+}
+
+QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files,
+    const QList<RenameRule> &rules,
+    BatchRunner &runner,
+    const std::function<void(const RenameResult &)> &onResult)
+{
+    const std::vector<PlannedName> names = planNames(rules, files);
+    const BatchRequests batch = requestsFor(files, names);
+    if (onResult) {
+        runner.setOutcomeHandler([&](qsizetype request, const MoveOutcome &outcome) {
+            const MoveRequest &move = batch.requests[request];
+            onResult(resultOf(files[batch.fileOfRequest[std::size_t(request)]], move.destination(), outcome));
+        });
+    }
+    const auto outcomes = runner.run(batch.requests);
+    // Items inside a renamed folder moved before it, by the paths they had then; the results name where
+    // everything is now.
     MovedLocations moved;
+    if (outcomes) {
+        for (std::size_t request = 0; request < outcomes->size(); ++request) {
+            if ((*outcomes)[request].state == MoveOutcome::State::Moved && files[batch.fileOfRequest[request]].isDirectory)
+                moved.record(batch.requests[qsizetype(request)].source, batch.requests[qsizetype(request)].destination());
+        }
+    }
+    QList<RenameResult> results;
+    results.reserve(batch.requests.size());
+    qsizetype request = 0;
     for (qsizetype i = 0; i < files.size(); ++i) {
-        const FileItem &file = files[i];
-        const MovePlanner::Plan &plan = planner.at(i);
-        if (!plan.isWanted)
+        const PlannedName &name = names[std::size_t(i)];
+        if (!name.isWanted)
             continue;
-        const std::optional<NativePath> followed = moved.newLocation(file.url);
-        const NativePath &source = followed ? *followed : file.url;
-        NativePath destination = source.withFileName(plan.newName);
-        RenameResult result;
-        if (!plan.invalidReason.isEmpty())
-            result = failure(source, destination, plan.invalidReason);
+        const FileItem &file = files[i];
+        NativePath destination = moved.currentLocation(file.url.withFileName(name.newName));
+        if (!name.invalidReason.isEmpty())
+            results.append(RenameResult{file.url, std::move(destination), false, name.invalidReason});
+        else if (!outcomes)
+            results.append(RenameResult{file.url, std::move(destination), false, runner.error()});
         else
-            result = renameOne(source, std::move(destination), mover);
-        if (result.success && file.isDirectory)
-            moved.record(file.url, result.newURL);
-        // The result names the item as it was listed, so the caller can find it.
-        if (followed)
-            result.originalURL = file.url;
-        results.append(std::move(result));
+            results.append(resultOf(file, std::move(destination), (*outcomes)[std::size_t(request++)]));
     }
     return results;
+}
+
+QList<QString> RenameEngine::forecast(const QList<FileItem> &files, const QList<RenameRule> &rules, FileMover &disk)
+{
+    const std::vector<PlannedName> names = planNames(rules, files);
+    const BatchRequests batch = requestsFor(files, names);
+    const std::vector<MoveOutcome> outcomes = BatchRunner::forecast(batch.requests, disk);
+    QList<QString> reasons(files.size());
+    for (qsizetype i = 0; i < files.size(); ++i)
+        reasons[i] = names[std::size_t(i)].invalidReason;
+    for (std::size_t request = 0; request < outcomes.size(); ++request)
+        reasons[batch.fileOfRequest[request]] = outcomes[request].error;
+    return reasons;
 }
 
 } // namespace quillfern

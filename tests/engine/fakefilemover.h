@@ -7,6 +7,7 @@
 #include <QList>
 #include <QSet>
 #include <QString>
+#include <QStringList>
 
 #include <utility>
 
@@ -61,6 +62,14 @@ public:
 
     /// How many batches the engine said were finished.
     [[nodiscard]] int finishedBatches() const { return m_finishedBatches; }
+
+    /// Every item there is now, sorted.
+    [[nodiscard]] QStringList items() const
+    {
+        QStringList items(m_items.cbegin(), m_items.cend());
+        items.sort();
+        return items;
+    }
 
     /// Every move asked for, as (from, to) texts, in order.
     [[nodiscard]] const QList<std::pair<QString, QString>> &moves() const { return m_moves; }

@@ -331,8 +331,8 @@ void TestRename::failedMoveBackSaysWhereTheItemIs()
     QVERIFY(!results[0].success);
     const QString temporaryName = NativePath(NativePath::fromText(mover.moves()[1].second)).fileNameText();
     QCOMPARE(results[0].error,
-        u"Read-only file system; moving it back failed too (Input/output error), so it is now named “%1”."_s.arg(
-            temporaryName));
+        u"Read-only file system; moving it back failed too (Input/output error), so “notes.txt” is now named “%1”."_s
+            .arg(temporaryName));
 }
 
 QTEST_APPLESS_MAIN(TestRename)
