@@ -33,6 +33,16 @@ public:
     /// it cannot be read.
     [[nodiscard]] virtual std::optional<ItemIdentity> identity(const NativePath &path) = 0;
 
+    /// Removes the name `name` of a file when `otherName` is another name of the very same file (a second hard
+    /// link, as an interrupted link-and-unlink move leaves); fails, removing nothing, when they are not two
+    /// links of one file.
+    [[nodiscard]] virtual std::optional<MoveError> removeSecondName(const NativePath &name, const NativePath &otherName)
+    {
+        Q_UNUSED(name);
+        Q_UNUSED(otherName);
+        return MoveError{MoveError::Kind::Other, QStringLiteral("This move primitive cannot remove names.")};
+    }
+
     /// Whether the last successful move had no atomic protection against an item appearing at the destination
     /// while it ran (a file system that offers neither a no-replace rename nor hard links). Such a move checked
     /// the destination as late as it could, but another program could still have won the race.

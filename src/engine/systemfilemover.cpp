@@ -8,9 +8,12 @@
 
 #include <filesystem>
 #else
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+
+#include <cerrno>
 #endif
 
 namespace quillfern {
@@ -74,6 +77,14 @@ void SystemFileMover::finishBatch()
 {
 }
 
+std::optional<MoveError> SystemFileMover::removeSecondName(const NativePath &name, const NativePath &otherName)
+{
+    Q_UNUSED(name);
+    Q_UNUSED(otherName);
+    // Moves never leave two links behind here: MoveFileExW moves in one step.
+    return MoveError{MoveError::Kind::Other, QStringLiteral("Not two names of one file.")};
+}
+
 #else
 
 std::optional<MoveError> SystemFileMover::move(const NativePath &from, const NativePath &to)
@@ -124,19 +135,64 @@ void SystemFileMover::closeOpenFolder()
     m_openFolder.clear();
 }
 
+namespace {
+
+/// Whether the folder lists an entry spelt exactly as `name`.
+bool listsEntry(const NativePath &folder, const NativePath &name)
+{
+    DIR *const listing = opendir(folder.isEmpty() ? "." : folder.c_str());
+    if (!listing)
+        return true;
+    bool isListed = false;
+    while (const dirent *entry = readdir(listing)) {
+        if (name.native() == QByteArrayView(entry->d_name, qsizetype(strlen(entry->d_name)))) {
+            isListed = true;
+            break;
+        }
+    }
+    closedir(listing);
+    return isListed;
+}
+
+} // namespace
+
 bool SystemFileMover::isSameItem(const NativePath &first, const NativePath &second)
 {
     // lstat: a symbolic link is the item itself, not what it points to.
     struct stat firstStatus = {};
     struct stat secondStatus = {};
-    return lstat(first.c_str(), &firstStatus) == 0 && lstat(second.c_str(), &secondStatus) == 0
-        && firstStatus.st_dev == secondStatus.st_dev && firstStatus.st_ino == secondStatus.st_ino;
+    if (lstat(first.c_str(), &firstStatus) != 0 || lstat(second.c_str(), &secondStatus) != 0)
+        return false;
+    if (firstStatus.st_dev == secondStatus.st_dev && firstStatus.st_ino == secondStatus.st_ino)
+        return true;
+    // Some file systems that ignore case (exFAT through FUSE) give each spelling of a name its own inode
+    // number. Two spellings of one name in one folder are then one entry when the folder lists only one of them.
+    const NativePath folder = first.parent();
+    return first.native() != second.native() && folder == second.parent()
+        && first.fileNameText().compare(second.fileNameText(), Qt::CaseInsensitive) == 0
+        && !(listsEntry(folder, first.fileName()) && listsEntry(folder, second.fileName()));
 }
 
 bool SystemFileMover::exists(const NativePath &path)
 {
     struct stat status = {};
     return lstat(path.c_str(), &status) == 0;
+}
+
+std::optional<MoveError> SystemFileMover::removeSecondName(const NativePath &name, const NativePath &otherName)
+{
+    struct stat nameStatus = {};
+    struct stat otherStatus = {};
+    if (lstat(name.c_str(), &nameStatus) != 0 || lstat(otherName.c_str(), &otherStatus) != 0)
+        return moveerrors::systemError(std::error_code(errno, std::generic_category()));
+    // One entry that a file system spells two ways has a single link: removing it would lose the file.
+    const bool isSecondLink = nameStatus.st_dev == otherStatus.st_dev && nameStatus.st_ino == otherStatus.st_ino
+        && !S_ISDIR(nameStatus.st_mode) && nameStatus.st_nlink >= 2;
+    if (!isSecondLink)
+        return MoveError{MoveError::Kind::Other, QStringLiteral("Not two names of one file.")};
+    if (unlink(name.c_str()) != 0)
+        return moveerrors::systemError(std::error_code(errno, std::generic_category()));
+    return std::nullopt;
 }
 
 std::optional<ItemIdentity> SystemFileMover::identity(const NativePath &path)
