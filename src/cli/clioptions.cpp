@@ -15,6 +15,9 @@ std::optional<CliOptions::Command> commandNamed(const QString &name)
         {u"rename"_s, CliOptions::Command::Rename},
         {u"parse"_s, CliOptions::Command::Parse},
         {u"presets"_s, CliOptions::Command::Presets},
+        {u"history"_s, CliOptions::Command::History},
+        {u"undo"_s, CliOptions::Command::Undo},
+        {u"recover"_s, CliOptions::Command::Recover},
     };
     const auto found = commands.constFind(name);
     return found == commands.cend() ? std::nullopt : std::optional(*found);
@@ -77,6 +80,8 @@ const QHash<QString, bool CliOptions::*> &flagMembers()
         {u"--yes"_s, &CliOptions::assumeYes},
         {u"-y"_s, &CliOptions::assumeYes},
         {u"--json"_s, &CliOptions::json},
+        {u"--finish"_s, &CliOptions::finish},
+        {u"--revert"_s, &CliOptions::revert},
     };
     return flags;
 }
@@ -159,6 +164,10 @@ std::optional<CliOptions> CliOptions::parse(int argc, char **argv, QString &erro
             error = u"unknown option '%1'"_s.arg(name);
             return std::nullopt;
         }
+    }
+    if (options.finish && options.revert) {
+        error = u"--finish and --revert exclude each other"_s;
+        return std::nullopt;
     }
     return options;
 }

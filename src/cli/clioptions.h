@@ -35,6 +35,9 @@ struct CliOptions
         Rename,
         Parse,
         Presets,
+        History,
+        Undo,
+        Recover,
     };
     enum class Format {
         Table,
@@ -54,6 +57,9 @@ struct CliOptions
     Format format = Format::Table;
     bool assumeYes = false;
     bool json = false;
+    /// recover: complete the interrupted batch, or give its items their old names back.
+    bool finish = false;
+    bool revert = false;
     /// Positional arguments after the command, as text (parse's words, presets' sub-command and name).
     QStringList words;
     /// Positional arguments after the command as native paths, keeping bytes that are not valid UTF-8.

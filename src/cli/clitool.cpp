@@ -1,7 +1,13 @@
 #include "cli/clitool.h"
 
+#include "cli/historycommands.h"
 #include "cli/previewprinter.h"
+#include "cli/resultlinewriter.h"
+#include "cli/stopsignals.h"
+#include "engine/batchhistory.h"
+#include "engine/batchrunner.h"
 #include "engine/renameengine.h"
+#include "engine/systemfilemover.h"
 #include "model/counting.h"
 #include "parser/naturallanguageparser.h"
 #include "presets/presetmanager.h"
@@ -81,6 +87,9 @@ int CliTool::run()
         m_out << helpText(m_options.command);
         return m_options.showHelp ? Success : BadInput;
     }
+    HistoryCommands history(m_options, m_out, m_err);
+    if (m_options.command != CliOptions::Command::Recover)
+        history.warnAboutInterrupted();
     switch (m_options.command) {
     case CliOptions::Command::Preview:
         return runPreview();
@@ -90,6 +99,12 @@ int CliTool::run()
         return runParse();
     case CliOptions::Command::Presets:
         return runPresets();
+    case CliOptions::Command::History:
+        return history.runHistory();
+    case CliOptions::Command::Undo:
+        return history.runUndo();
+    case CliOptions::Command::Recover:
+        return history.runRecover();
     case CliOptions::Command::None:
         break;
     }
@@ -212,13 +227,20 @@ int CliTool::runPreview()
         m_out << vm.exportCSV();
         break;
     case CliOptions::Format::Json:
-        m_out << PreviewPrinter::json(vm.previews(), vm.filteredFiles());
+        m_out << PreviewPrinter::json(vm.previews(), vm.filteredFiles(), forecast(vm, *rules));
         break;
     case CliOptions::Format::Table:
-        m_out << PreviewPrinter::table(vm.previews(), isTerminal(stdout));
+        m_out << PreviewPrinter::table(vm.previews(), forecast(vm, *rules), isTerminal(stdout));
         break;
     }
     return Success;
+}
+
+QList<QString> CliTool::forecast(AppViewModel &vm, const QList<RenameRule> &rules)
+{
+    // The same list and rules that rename would take, checked against the disk as it is now.
+    SystemFileMover disk;
+    return RenameEngine::forecast(vm.filteredFiles(), rules, disk);
 }
 
 bool CliTool::confirm(qsizetype count)
@@ -229,7 +251,7 @@ bool CliTool::confirm(qsizetype count)
     return answer == u"y"_s || answer == u"yes"_s;
 }
 
-std::optional<int> CliTool::confirmPreview(AppViewModel &vm)
+std::optional<int> CliTool::confirmPreview(AppViewModel &vm, const QList<RenameRule> &rules)
 {
     const QList<PreviewEntry> shown = vm.previews();
     const auto changes = std::count_if(shown.cbegin(), shown.cend(), [](const PreviewEntry &entry) {
@@ -239,7 +261,7 @@ std::optional<int> CliTool::confirmPreview(AppViewModel &vm)
         return std::nullopt;
     if (!isTerminal(stdin))
         return fail(u"refusing to rename without confirmation: pass --yes when not on a terminal"_s);
-    m_out << PreviewPrinter::table(shown, isTerminal(stdout));
+    m_out << PreviewPrinter::table(shown, forecast(vm, rules), isTerminal(stdout));
     if (!confirm(changes)) {
         m_out << "Nothing renamed.\n";
         return Success;
@@ -260,23 +282,39 @@ int CliTool::runRename()
     // With --yes nobody reads a preview, so none is computed: the engine names the same list the same way.
     if (!m_options.assumeYes) {
         showPreview(vm, *rules);
-        if (const std::optional<int> refused = confirmPreview(vm))
+        if (const std::optional<int> refused = confirmPreview(vm, *rules))
             return *refused;
     }
+    SystemFileMover mover;
+    BatchRunner runner(mover);
+    runner.setHistoryFolder(BatchHistory::standardFolder());
+    const StopSignals stopSignals;
+    runner.setStopFlag(StopSignals::flag());
+    // Each line is written as its move is done, after what the stream holds; JSON is one array at the end.
+    m_out.flush();
+    std::optional<ResultLineWriter> lines;
+    if (!m_options.json)
+        lines.emplace(stdout);
+    const auto writeLine = [&](const RenameResult &result) { lines->write(result); };
     // What the preview shows, in its order, is what is renamed: the filtered, sorted list with its numbering.
-    const QList<RenameResult> results = RenameEngine::rename(vm.filteredFiles(), *rules);
+    const QList<RenameResult> results = RenameEngine::rename(vm.filteredFiles(),
+        *rules,
+        runner,
+        lines ? std::function<void(const RenameResult &)>(writeLine) : nullptr);
+    if (!runner.error().isEmpty())
+        return fail(runner.error());
     if (m_options.json) {
         m_out << PreviewPrinter::resultJson(results);
         m_err << PreviewPrinter::resultSummary(results) << '\n';
     } else {
-        // The lines go to the device beneath the stream, after what the stream holds.
-        m_out.flush();
-        PreviewPrinter::writeResultLines(*m_out.device(), results);
+        lines->flush();
         m_out << PreviewPrinter::resultSummary(results) << '\n';
     }
-    const bool anyFailed =
-        std::any_of(results.cbegin(), results.cend(), [](const RenameResult &result) { return !result.success; });
-    return anyFailed ? RenameFailed : Success;
+    if (runner.wasStopped())
+        m_err << "quillfern-cli: stopped; the other files were not attempted.\n";
+    const auto failed =
+        std::count_if(results.cbegin(), results.cend(), [](const RenameResult &result) { return !result.success; });
+    return HistoryCommands::exitStatusOf(failed);
 }
 
 int CliTool::runParse()
@@ -342,11 +380,15 @@ QString CliTool::helpText(CliOptions::Command command)
                "Prints the new name of every file without renaming anything.\n"
                "  --format table   old and new names side by side, with a summary (default)\n"
                "  --format csv     the preview as CSV, as the window exports it\n"
-               "  --format json    an array of {original, preview, hasConflict, path}\n"_s;
+               "  --format json    an array of {original, preview, hasConflict, path, failureReason}\n\n"
+               "A rename that would fail (an invalid name, a name taken by a file that stays, a name an\n"
+               "earlier file of the batch takes) is marked with its reason.\n"_s;
     case CliOptions::Command::Rename:
         return u"Usage: quillfern-cli rename [RULES] [SELECTION] [--yes] [--json] PATH...\n\n"
                "Renames exactly what preview shows, in its order. Asks for confirmation on a terminal;\n"
                "without a terminal it refuses unless --yes is given. Never replaces an existing file.\n"
+               "Chains and swaps of names succeed. Each batch is journaled first, so that an interrupted\n"
+               "batch can be recovered and any batch undone ('quillfern-cli history', 'undo', 'recover').\n"
                "  --yes            rename without asking\n"
                "  --json           print the results as an array of {originalPath, newPath, success, error}\n"_s;
     case CliOptions::Command::Parse:
@@ -356,6 +398,23 @@ QString CliTool::helpText(CliOptions::Command command)
     case CliOptions::Command::Presets:
         return u"Usage: quillfern-cli presets [list | show NAME | save NAME --rules FILE | delete NAME]\n\n"
                "Lists, shows (as a rules file), saves or deletes the presets the window uses.\n"_s;
+    case CliOptions::Command::History:
+        return u"Usage: quillfern-cli history [--json]\n\n"
+               "Lists the batches renamed on this machine, newest first: when, how many files, how many\n"
+               "were moved or failed, and whether the batch ended, was stopped, interrupted or undone.\n"
+               "The last 100 batches are kept, and every batch of the last 30 days.\n"_s;
+    case CliOptions::Command::Undo:
+        return u"Usage: quillfern-cli undo [BATCH] [--yes]\n\n"
+               "Gives the files of the last batch (or of BATCH, an id from 'history') their old names back\n"
+               "on disk, as a new batch. A file that was edited, replaced or moved since is left alone and\n"
+               "said so. Asks for confirmation on a terminal; without one it refuses unless --yes is given.\n"_s;
+    case CliOptions::Command::Recover:
+        return u"Usage: quillfern-cli recover [--finish | --revert]\n\n"
+               "Finds batches that were interrupted (the process was killed, the machine went down) and\n"
+               "gives every file of each one the name it should have. Files are found by what they are,\n"
+               "under their old, new or temporary names.\n"
+               "  --finish         give every file its new name\n"
+               "  --revert         give every file its old name back (the default on a terminal)\n"_s;
     case CliOptions::Command::None:
         break;
     }
@@ -365,7 +424,10 @@ QString CliTool::helpText(CliOptions::Command command)
            "  preview    show the new names\n"
            "  rename     rename the files on disk\n"
            "  parse      turn an English command into rules\n"
-           "  presets    list, show, save or delete presets\n\n"
+           "  presets    list, show, save or delete presets\n"
+           "  history    list the batches renamed so far\n"
+           "  undo       give the files of a batch their old names back\n"
+           "  recover    finish or revert a batch that was interrupted\n\n"
            "Rules (repeatable, combined in the order given):\n"
            "  --rules FILE       a JSON array of rules ('-' reads standard input)\n"
            "  --preset NAME      the rules of a saved preset\n"
@@ -378,7 +440,8 @@ QString CliTool::helpText(CliOptions::Command command)
            "  --sort name|date|size|type\n\n"
            "  --help             this text; COMMAND --help for a command\n"
            "  --version          the version\n\n"
-           "Exit status: 0 success, 1 when a rename failed, 2 for bad usage or input.\n"_s;
+           "Exit status: 0 success, 1 when a rename failed, 2 for bad usage or input, 130 or 143 when\n"
+           "interrupted by SIGINT or SIGTERM (the files renamed so far are listed; the rest are not touched).\n"_s;
 }
 
 } // namespace quillfern

@@ -44,7 +44,9 @@ private:
     std::optional<QList<RenameRule>> readRulesFile(const QString &fileName);
     bool confirm(qsizetype count);
     /// Shows the preview and asks before anything is renamed; none to go on, else the exit status to end with.
-    std::optional<int> confirmPreview(AppViewModel &vm);
+    std::optional<int> confirmPreview(AppViewModel &vm, const QList<RenameRule> &rules);
+    /// Why each previewed file's rename would fail, in preview order; empty texts for the others.
+    static QList<QString> forecast(AppViewModel &vm, const QList<RenameRule> &rules);
     int fail(const QString &message);
 
     CliOptions m_options;

@@ -48,28 +48,37 @@ QString jsonText(const QJsonArray &array)
 
 } // namespace
 
-QString PreviewPrinter::summary(const QList<PreviewEntry> &previews)
+QString PreviewPrinter::summary(const QList<PreviewEntry> &previews, const QList<QString> &failures)
 {
+    const auto wouldFail =
+        std::count_if(failures.cbegin(), failures.cend(), [](const QString &reason) { return !reason.isEmpty(); });
     const auto changes = std::count_if(previews.cbegin(), previews.cend(), [](const PreviewEntry &entry) {
         return entry.original != entry.preview;
     });
     const auto conflicts =
         std::count_if(previews.cbegin(), previews.cend(), [](const PreviewEntry &entry) { return entry.hasConflict; });
-    return counted(previews.size(), u"file"_s) + u", "_s + counted(changes, u"change"_s) + u", "_s
+    QString text = counted(previews.size(), u"file"_s) + u", "_s + counted(changes, u"change"_s) + u", "_s
         + counted(conflicts, u"conflict"_s);
+    if (wouldFail > 0)
+        text += u", %1 would fail"_s.arg(wouldFail);
+    return text;
 }
 
-QString PreviewPrinter::table(const QList<PreviewEntry> &previews, bool useColour)
+QString PreviewPrinter::table(const QList<PreviewEntry> &previews, const QList<QString> &failures, bool useColour)
 {
+    Q_ASSERT(previews.size() == failures.size());
     qsizetype width = QStringView(u"Original").size();
     for (const PreviewEntry &entry : previews)
         width = std::max(width, entry.original.size());
     QString text = painted(u"Original"_s.leftJustified(width) + u"    New"_s, bold, useColour) + u'\n';
-    for (const PreviewEntry &entry : previews) {
+    for (qsizetype row = 0; row < previews.size(); ++row) {
+        const PreviewEntry &entry = previews[row];
         const bool isChanged = entry.original != entry.preview;
         const QString arrow = isChanged ? u" -> "_s : u"    "_s;
         QString newName = entry.preview;
-        if (entry.hasConflict)
+        if (!failures[row].isEmpty())
+            newName = painted(newName + u"  (will fail: "_s + failures[row] + u')', red, useColour);
+        else if (entry.hasConflict)
             newName = painted(newName + u"  (conflict)"_s, red, useColour);
         else if (isChanged)
             newName = painted(newName, green, useColour);
@@ -77,41 +86,34 @@ QString PreviewPrinter::table(const QList<PreviewEntry> &previews, bool useColou
             newName = painted(newName, dim, useColour);
         text += entry.original.leftJustified(width) + arrow + newName + u'\n';
     }
-    return text + summary(previews) + u'\n';
+    return text + summary(previews, failures) + u'\n';
 }
 
-QString PreviewPrinter::json(const QList<PreviewEntry> &previews, const QList<FileItem> &files)
+QString PreviewPrinter::json(const QList<PreviewEntry> &previews,
+    const QList<FileItem> &files,
+    const QList<QString> &failures)
 {
-    Q_ASSERT(previews.size() == files.size());
+    Q_ASSERT(previews.size() == files.size() && previews.size() == failures.size());
     QJsonArray array;
     for (qsizetype i = 0; i < previews.size(); ++i) {
         array.append(QJsonObject{{u"original"_s, previews[i].original},
             {u"preview"_s, previews[i].preview},
             {u"hasConflict"_s, previews[i].hasConflict},
-            {u"path"_s, files[i].url.toText()}});
+            {u"path"_s, files[i].url.toText()},
+            {u"failureReason"_s, failures[i].isEmpty() ? QJsonValue() : QJsonValue(failures[i])}});
     }
     return jsonText(array);
 }
 
-void PreviewPrinter::writeResultLines(QIODevice &out, const QList<RenameResult> &results)
+void PreviewPrinter::appendResultLine(QByteArray &lines, const RenameResult &result)
 {
-    constexpr qsizetype pieceSize = 64 * 1024;
-    QByteArray piece;
-    piece.reserve(pieceSize + 1024);
-    for (const RenameResult &result : results) {
-        piece.append(result.success ? "renamed: " : "failed: ");
-        appendText(piece, result.originalURL);
-        piece.append(" -> ");
-        appendText(piece, result.newURL, result.newURL.fileNameOffset());
-        if (!result.success)
-            piece.append(": ").append(result.error.value_or(u"Unknown error"_s).toUtf8());
-        piece.append('\n');
-        if (piece.size() >= pieceSize) {
-            out.write(piece);
-            piece.resize(0);
-        }
-    }
-    out.write(piece);
+    lines.append(result.success ? "renamed: " : "failed: ");
+    appendText(lines, result.originalURL);
+    lines.append(" -> ");
+    appendText(lines, result.newURL, result.newURL.fileNameOffset());
+    if (!result.success)
+        lines.append(": ").append(result.error.value_or(u"Unknown error"_s).toUtf8());
+    lines.append('\n');
 }
 
 QString PreviewPrinter::resultJson(const QList<RenameResult> &results)

@@ -7,6 +7,7 @@
 
 #include <QUuid>
 
+#include <filesystem>
 #include <unordered_map>
 
 using namespace Qt::StringLiterals;
@@ -47,6 +48,19 @@ std::vector<MoveOutcome> BatchRunner::forecast(const QList<MoveRequest> &request
     return BatchRunner(dryRun).run(requests, MovePlan::make(requests));
 }
 
+namespace {
+
+/// The folder as an absolute path: the journal must find it again from wherever recovery or undo is run.
+NativePath absoluteFolder(const NativePath &folder)
+{
+    std::error_code error;
+    const std::filesystem::path absolute =
+        folder.isEmpty() ? std::filesystem::current_path(error) : std::filesystem::absolute(folder.toStdPath(), error);
+    return error ? folder : NativePath(absolute.lexically_normal()).withoutTrailingSeparator();
+}
+
+} // namespace
+
 BatchRecord BatchRunner::planRecord(const QList<MoveRequest> &requests) const
 {
     BatchRecord record;
@@ -59,8 +73,10 @@ BatchRecord BatchRunner::planRecord(const QList<MoveRequest> &requests) const
     for (const MoveRequest &request : requests) {
         const NativePath folder = request.source.parent();
         const auto [index, isNew] = folderIndex.try_emplace(folder, record.folders.size());
-        if (isNew)
-            record.folders.append({folder, m_mover.identity(folder).value_or(ItemIdentity{})});
+        if (isNew) {
+            record.folders.append(
+                {absoluteFolder(folder), m_mover.identity(folder.isEmpty() ? NativePath(".") : folder).value_or(ItemIdentity{})});
+        }
         // An item that cannot be read now is recorded without identity; its own move will say why.
         record.moves.append(BatchRecord::Move{index->second,
             request.source.fileName(),

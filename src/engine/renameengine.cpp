@@ -136,10 +136,7 @@ RenameResult resultOf(const FileItem &file, NativePath destination, const MoveOu
 {
     if (outcome.state == MoveOutcome::State::Moved)
         return RenameResult{file.url, std::move(destination), true, std::nullopt};
-    const QString error = outcome.state == MoveOutcome::State::Failed
-        ? outcome.error
-        : u"Not renamed: the batch was stopped before its turn."_s;
-    return RenameResult{file.url, std::move(destination), false, error};
+    return RenameResult{file.url, std::move(destination), false, outcome.error};
 }
 
 } // namespace
@@ -189,6 +186,7 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files,
     const std::vector<PlannedName> names = planNames(rules, files);
     const BatchRequests batch = requestsFor(files, names);
     if (onResult) {
+        // Only attempted moves are reported; a stopped batch reports nothing for the rest.
         runner.setOutcomeHandler([&](qsizetype request, const MoveOutcome &outcome) {
             const MoveRequest &move = batch.requests[request];
             onResult(resultOf(files[batch.fileOfRequest[std::size_t(request)]], move.destination(), outcome));
@@ -217,8 +215,9 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files,
             results.append(RenameResult{file.url, std::move(destination), false, name.invalidReason});
         else if (!outcomes)
             results.append(RenameResult{file.url, std::move(destination), false, runner.error()});
-        else
-            results.append(resultOf(file, std::move(destination), (*outcomes)[std::size_t(request++)]));
+        else if (const MoveOutcome &outcome = (*outcomes)[std::size_t(request++)];
+                 outcome.state != MoveOutcome::State::NotAttempted)
+            results.append(resultOf(file, std::move(destination), outcome));
     }
     return results;
 }

@@ -1,3 +1,4 @@
+#include "clirun.h"
 #include "model/renamerule.h"
 
 #include <QDir>
@@ -14,18 +15,7 @@
 using namespace quillfern;
 using namespace Qt::StringLiterals;
 
-namespace {
-
-struct Run
-{
-    int exitCode = -1;
-    QString out;
-    QString err;
-    /// Standard output as written, before decoding.
-    QByteArray outBytes;
-};
-
-} // namespace
+using Run = CliRun;
 
 /// Runs the built quillfern-cli as a user would, on temporary folders, with a temporary presets location.
 class TestCli final : public QObject
@@ -76,24 +66,11 @@ void TestCli::init()
 
 Run TestCli::run(const QStringList &arguments, const QByteArray &input) const
 {
-    QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(u"XDG_DATA_HOME"_s, m_data->path());
+    environment.insert(u"XDG_STATE_HOME"_s, m_data->path());
     environment.insert(u"LANG"_s, u"en_US.UTF-8"_s);
-    process.setProcessEnvironment(environment);
-    process.setWorkingDirectory(m_files->path());
-    process.start(QStringLiteral(QUILLFERN_CLI), arguments);
-    if (!process.waitForStarted())
-        return {};
-    process.write(input);
-    process.closeWriteChannel();
-    if (!process.waitForFinished(60000))
-        return {};
-    const QByteArray out = process.readAllStandardOutput();
-    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2,
-        QString::fromUtf8(out),
-        QString::fromUtf8(process.readAllStandardError()),
-        out};
+    return runCli(arguments, m_files->path(), environment, input);
 }
 
 QString TestCli::file(const QString &relative, const QByteArray &content) const
