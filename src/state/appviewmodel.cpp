@@ -1,5 +1,7 @@
 #include "state/appviewmodel.h"
 
+#include "engine/batchhistory.h"
+#include "engine/batchrunner.h"
 #include "engine/filemover.h"
 #include "engine/renameengine.h"
 #include "engine/systemfilemover.h"
@@ -45,6 +47,7 @@ void assign(AppViewModel *model, T &member, const T &value, Signal changed)
 AppViewModel::AppViewModel(QObject *parent)
     : QObject(parent)
     , m_fileMover(std::make_shared<SystemFileMover>())
+    , m_historyFolder(BatchHistory::standardFolder())
     , m_isAlive(std::make_shared<std::atomic_bool>(true))
 {
 }
@@ -341,11 +344,14 @@ void AppViewModel::performRename()
     QThreadPool::globalInstance()->start([selected = std::move(selected),
                                              rules = m_rules,
                                              mover = m_fileMover,
+                                             historyFolder = m_historyFolder,
                                              isAlive = m_isAlive,
                                              self = QPointer(this)] {
         if (!isAlive->load())
             return;
-        const QList<RenameResult> results = RenameEngine::rename(selected, rules, *mover);
+        BatchRunner runner(*mover);
+        runner.setHistoryFolder(historyFolder);
+        const QList<RenameResult> results = RenameEngine::rename(selected, rules, runner);
         // The completion runs on the main thread, where checking the guard is safe.
         QMetaObject::invokeMethod(QCoreApplication::instance(), [self, results] {
             if (self)
@@ -476,6 +482,11 @@ void AppViewModel::setPanelProvider(PanelProvider *provider)
 void AppViewModel::setFileMover(std::shared_ptr<FileMover> mover)
 {
     m_fileMover = std::move(mover);
+}
+
+void AppViewModel::setHistoryFolder(const QString &folder)
+{
+    m_historyFolder = folder;
 }
 
 } // namespace quillfern

@@ -154,6 +154,9 @@ public:
     void setPanelProvider(PanelProvider *provider);
     /// The move primitive of batch renames; the real file system when none is set.
     void setFileMover(std::shared_ptr<FileMover> mover);
+    /// The folder that keeps the journal of every batch rename, so that an interrupted batch can be recovered
+    /// and any batch undone on disk; the user's standard history folder until set.
+    void setHistoryFolder(const QString &folder);
 
 Q_SIGNALS:
     /// Each stored property's signal fires after the property changed.
@@ -223,6 +226,7 @@ private:
 
     PanelProvider *m_panelProvider = nullptr;
     std::shared_ptr<FileMover> m_fileMover;
+    QString m_historyFolder;
     /// Cleared when the object is destroyed, so a rename task that has not started yet stops.
     std::shared_ptr<std::atomic_bool> m_isAlive;
     /// filteredFiles, kept while neither the items nor the settings change. Orders that read dates or sizes are

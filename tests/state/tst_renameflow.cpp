@@ -3,7 +3,10 @@
 #include "state/appviewmodel.h"
 #include "testfiles.h"
 
+#include <QDir>
+#include <QFile>
 #include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
 
@@ -66,6 +69,7 @@ class TestRenameFlow final : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase();
     void addRuleAppendsAndRefreshesPreviews();
     void removeRuleAtOffsets();
     void moveRuleExamples_data();
@@ -84,7 +88,20 @@ private Q_SLOTS:
     void newRenameAfterUndoEmptiesRedo();
     void undoAndRedoOnEmptyStacksDoNothing();
     void folderAndItsContentsAreRenamedTogether();
+    void swappedNamesAreRenamed();
+    void eachRenameIsJournaledInTheHistoryFolder();
+    void anUnwritableHistoryRenamesNothing();
+
+private:
+    QTemporaryDir m_stateHome;
 };
+
+void TestRenameFlow::initTestCase()
+{
+    // Renames keep their journals in the standard history folder: here, never in a real home.
+    QVERIFY(m_stateHome.isValid());
+    qputenv("XDG_STATE_HOME", QFile::encodeName(m_stateHome.path()));
+}
 
 void TestRenameFlow::addRuleAppendsAndRefreshesPreviews()
 {
@@ -414,6 +431,63 @@ void TestRenameFlow::folderAndItsContentsAreRenamedTogether()
     // The unchanged item moved with its folder and is still the same item.
     for (const FileItem &item : vm.files())
         QVERIFY2(fs::exists(item.url.toStdPath()), item.url.c_str());
+}
+
+void TestRenameFlow::swappedNamesAreRenamed()
+{
+    TestFiles files;
+    files.file(u"a.txt"_s, "first");
+    files.file(u"b.txt"_s, "second");
+    AppViewModel vm;
+    vm.addFiles({files.path(u"a.txt"_s), files.path(u"b.txt"_s)});
+    // a becomes x, b becomes a, x becomes b: the two names swap.
+    for (const auto &[find, with] : {std::pair{u"a"_s, u"x"_s}, std::pair{u"b"_s, u"a"_s}, std::pair{u"x"_s, u"b"_s}}) {
+        RenameRule rule(RuleType::Replace);
+        rule.findText = find;
+        rule.replaceText = with;
+        rule.isCaseSensitive = true;
+        vm.addRule(rule);
+    }
+    QCOMPARE(previewNames(vm), (QStringList{u"b.txt"_s, u"a.txt"_s}));
+    vm.performRename();
+    QTRY_VERIFY(!vm.isRenaming());
+    QCOMPARE(vm.lastRenameResults().size(), 2);
+    for (const RenameResult &result : vm.lastRenameResults())
+        QVERIFY2(result.success, qPrintable(result.error.value_or(QString())));
+    QFile a(files.path(u"a.txt"_s).toText());
+    QVERIFY(a.open(QIODevice::ReadOnly));
+    QCOMPARE(a.readAll(), QByteArray("second"));
+}
+
+void TestRenameFlow::eachRenameIsJournaledInTheHistoryFolder()
+{
+    TestFiles files;
+    QTemporaryDir history;
+    AppViewModel vm;
+    vm.setHistoryFolder(history.path());
+    vm.addFiles({files.file(u"a.txt"_s)});
+    vm.addRule(insertAtEnd(u"_1"_s));
+    vm.performRename();
+    QTRY_VERIFY(!vm.isRenaming());
+    QVERIFY(files.exists(u"a_1.txt"_s));
+    QCOMPARE(QDir(history.path()).entryList({u"*.journal"_s}).size(), 1);
+}
+
+void TestRenameFlow::anUnwritableHistoryRenamesNothing()
+{
+    TestFiles files;
+    AppViewModel vm;
+    // A file stands where the history folder would be made.
+    vm.setHistoryFolder(files.file(u"history"_s).toText() + u"/inner"_s);
+    vm.addFiles({files.file(u"a.txt"_s)});
+    vm.addRule(insertAtEnd(u"_1"_s));
+    vm.performRename();
+    QTRY_VERIFY(!vm.isRenaming());
+    QCOMPARE(vm.lastRenameResults().size(), 1);
+    QVERIFY(!vm.lastRenameResults()[0].success);
+    QVERIFY(vm.lastRenameResults()[0].error->startsWith(u"Nothing was renamed: the journal"_s));
+    QVERIFY(files.exists(u"a.txt"_s));
+    QVERIFY(!files.exists(u"a_1.txt"_s));
 }
 
 QTEST_GUILESS_MAIN(TestRenameFlow)
