@@ -294,7 +294,8 @@ int HistoryCommands::runMoves(const QList<MoveRequest> &requests, BatchRecord::K
         lines.write(RenameResult{requests[request].source,
             requests[request].destination(),
             isMoved,
-            isMoved ? std::nullopt : std::optional(outcome.error)});
+            isMoved ? std::nullopt : std::optional(outcome.error),
+            outcome.wasUnprotected});
     });
     const auto outcomes = runner.run(requests);
     lines.flush();

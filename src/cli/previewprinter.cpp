@@ -113,6 +113,8 @@ void PreviewPrinter::appendResultLine(QByteArray &lines, const RenameResult &res
     appendText(lines, result.newURL, result.newURL.fileNameOffset());
     if (!result.success)
         lines.append(": ").append(result.error.value_or(u"Unknown error"_s).toUtf8());
+    if (result.wasUnprotected)
+        lines.append(" (no atomic protection on this file system)");
     lines.append('\n');
 }
 
@@ -123,7 +125,8 @@ QString PreviewPrinter::resultJson(const QList<RenameResult> &results)
         array.append(QJsonObject{{u"originalPath"_s, result.originalURL.toText()},
             {u"newPath"_s, result.newURL.toText()},
             {u"success"_s, result.success},
-            {u"error"_s, result.error ? QJsonValue(*result.error) : QJsonValue()}});
+            {u"error"_s, result.error ? QJsonValue(*result.error) : QJsonValue()},
+            {u"unprotected"_s, result.wasUnprotected}});
     }
     return jsonText(array);
 }

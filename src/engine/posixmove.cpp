@@ -49,13 +49,12 @@ int renameExclusive(Location from, Location to)
 
 } // namespace
 
-std::optional<MoveError> moveByLinking(Location from, Location to)
+std::optional<MoveError> moveByLinking(Location from, Location to, Protection &protection)
 {
     if (linkat(from.folder, from.name, to.folder, to.name, 0) != 0) {
-        // Some file systems have no hard links at all (exFAT, SMB, many FUSE ones); there only the
-        // check-then-rename is left.
+        // Some file systems have no hard links at all (exFAT, SMB, many FUSE ones); there only a claim is left.
         if (hasNoHardLinks(errno))
-            return moveAfterChecking(from, to);
+            return moveOntoClaim(from, to, false, protection);
         return lastError(to);
     }
     if (unlinkat(from.folder, from.name, 0) != 0) {
@@ -63,21 +62,60 @@ std::optional<MoveError> moveByLinking(Location from, Location to)
         unlinkat(to.folder, to.name, 0);
         return error;
     }
+    protection = Protection::Atomic;
     return std::nullopt;
 }
 
-std::optional<MoveError> moveAfterChecking(Location from, Location to)
+namespace {
+
+/// Removes a claim made by this move, only while it is still the one made.
+void dropClaim(Location to, const struct stat &claim, bool isFolder)
 {
-    struct stat status = {};
-    if (fstatat(to.folder, to.name, &status, AT_SYMLINK_NOFOLLOW) == 0)
+    struct stat now = {};
+    if (fstatat(to.folder, to.name, &now, AT_SYMLINK_NOFOLLOW) == 0 && now.st_dev == claim.st_dev
+        && now.st_ino == claim.st_ino)
+        unlinkat(to.folder, to.name, isFolder ? AT_REMOVEDIR : 0);
+}
+
+} // namespace
+
+std::optional<MoveError> moveOntoClaim(Location from, Location to, bool isFolder, Protection &protection)
+{
+    struct stat claim = {};
+    if (isFolder) {
+        if (mkdirat(to.folder, to.name, 0700) != 0 || fstatat(to.folder, to.name, &claim, AT_SYMLINK_NOFOLLOW) != 0)
+            return lastError(to);
+    } else {
+        const int descriptor = openat(to.folder, to.name, O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+        if (descriptor < 0)
+            return lastError(to);
+        const bool isRead = fstat(descriptor, &claim) == 0;
+        close(descriptor);
+        if (!isRead) {
+            const auto error = lastError(to);
+            unlinkat(to.folder, to.name, 0);
+            return error;
+        }
+    }
+    // A file claim could have been replaced since it was made: it must still be the empty file made here.
+    struct stat now = {};
+    if (!isFolder
+        && (fstatat(to.folder, to.name, &now, AT_SYMLINK_NOFOLLOW) != 0 || now.st_dev != claim.st_dev
+            || now.st_ino != claim.st_ino || now.st_size != 0))
         return moveerrors::destinationExists(NativePath(to.name));
-    if (renameat(from.folder, from.name, to.folder, to.name) != 0)
-        return lastError(to);
+    if (renameat(from.folder, from.name, to.folder, to.name) != 0) {
+        const auto error = errno == ENOTEMPTY || errno == EEXIST ? moveerrors::destinationExists(NativePath(to.name))
+                                                                 : lastError(to);
+        dropClaim(to, claim, isFolder);
+        return error;
+    }
+    protection = isFolder ? Protection::Atomic : Protection::Unprotected;
     return std::nullopt;
 }
 
-std::optional<MoveError> move(Location from, Location to)
+std::optional<MoveError> move(Location from, Location to, Protection &protection)
 {
+    protection = Protection::Atomic;
     if (renameExclusive(from, to) == 0)
         return std::nullopt;
     if (!refusedFlag(errno))
@@ -86,8 +124,8 @@ std::optional<MoveError> move(Location from, Location to)
     if (fstatat(from.folder, from.name, &status, AT_SYMLINK_NOFOLLOW) != 0)
         return lastError(from);
     if (S_ISDIR(status.st_mode))
-        return moveAfterChecking(from, to);
-    return moveByLinking(from, to);
+        return moveOntoClaim(from, to, true, protection);
+    return moveByLinking(from, to, protection);
 }
 
 } // namespace quillfern::posixmove

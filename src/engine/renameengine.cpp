@@ -135,7 +135,7 @@ BatchRequests requestsFor(const QList<FileItem> &files, const std::vector<Planne
 RenameResult resultOf(const FileItem &file, NativePath destination, const MoveOutcome &outcome)
 {
     if (outcome.state == MoveOutcome::State::Moved)
-        return RenameResult{file.url, std::move(destination), true, std::nullopt};
+        return RenameResult{file.url, std::move(destination), true, std::nullopt, outcome.wasUnprotected};
     return RenameResult{file.url, std::move(destination), false, outcome.error};
 }
 

@@ -96,13 +96,18 @@ std::optional<MoveError> SystemFileMover::move(const NativePath &from, const Nat
     const QByteArrayView folder = QByteArrayView(from.native()).first(nameOffset);
     const bool isInOneFolder =
         nameOffset > 0 && nameOffset == to.fileNameOffset() && QByteArrayView(to.native()).startsWith(folder);
-    if (isInOneFolder) {
-        if (const int descriptor = descriptorOf(folder); descriptor >= 0)
-            return posixmove::move({descriptor, from.c_str() + nameOffset}, {descriptor, to.c_str() + nameOffset});
+    posixmove::Protection protection = posixmove::Protection::Atomic;
+    std::optional<MoveError> error;
+    const int descriptor = isInOneFolder ? descriptorOf(folder) : -1;
+    if (descriptor >= 0) {
+        error = posixmove::move({descriptor, from.c_str() + nameOffset}, {descriptor, to.c_str() + nameOffset}, protection);
+    } else {
+        // The item moved by its whole path could be the kept folder itself.
+        closeOpenFolder();
+        error = posixmove::move({AT_FDCWD, from.c_str()}, {AT_FDCWD, to.c_str()}, protection);
     }
-    // The item moved by its whole path could be the kept folder itself.
-    closeOpenFolder();
-    return posixmove::move({AT_FDCWD, from.c_str()}, {AT_FDCWD, to.c_str()});
+    m_lastMoveWasUnprotected = !error && protection == posixmove::Protection::Unprotected;
+    return error;
 }
 
 int SystemFileMover::descriptorOf(QByteArrayView folder)

@@ -22,8 +22,10 @@ public:
     [[nodiscard]] std::optional<ItemIdentity> identity(const NativePath &path) override;
     [[nodiscard]] std::optional<MoveError> removeSecondName(const NativePath &name, const NativePath &otherName) override;
     void finishBatch() override;
+    [[nodiscard]] bool lastMoveWasUnprotected() const override { return m_lastMoveWasUnprotected; }
 
 private:
+    bool m_lastMoveWasUnprotected = false;
 #ifndef Q_OS_WIN
     /// A descriptor of `folder` (a path ending in its separator), opened once for all the moves in it; -1 when
     /// it cannot be opened.

@@ -32,6 +32,9 @@ private Q_SLOTS:
     void fallbacksNeverReplace_data();
     void fallbacksNeverReplace();
     void linkingMovesASymbolicLinkItself();
+    void aFolderClaimThatGainedContentsIsNotReplaced();
+    void spellingsOfOneEntryAreOneItem();
+    void removesOnlyASecondLink();
     void movesWithinAFolderItJustRenamed();
     void aFinishedBatchForgetsItsFolder();
 
@@ -155,16 +158,26 @@ void TestSystemFileMover::danglingLinkExists()
 
 void TestSystemFileMover::fallbacksNeverReplace_data()
 {
-    // Where a file system refuses the no-replace flag, files are linked and folders checked first.
+    // Where a file system refuses the no-replace flag, files are linked, or moved onto a claim where there are
+    // no links either; folders are moved onto a claim.
     QTest::addColumn<bool>("isFolder");
-    QTest::newRow("linking a file") << false;
-    QTest::newRow("checking, then renaming a folder") << true;
+    QTest::addColumn<bool>("isLinked");
+    QTest::addColumn<bool>("isProtected");
+    QTest::newRow("linking a file") << false << true << true;
+    QTest::newRow("a file onto a claimed name") << false << false << false;
+    QTest::newRow("a folder onto a claimed folder") << true << false << true;
 }
 
 void TestSystemFileMover::fallbacksNeverReplace()
 {
     QFETCH(bool, isFolder);
-    const auto fallback = isFolder ? &posixmove::moveAfterChecking : &posixmove::moveByLinking;
+    QFETCH(bool, isLinked);
+    QFETCH(bool, isProtected);
+    posixmove::Protection protection = posixmove::Protection::Unprotected;
+    const auto fallback = [&](posixmove::Location from, posixmove::Location to) {
+        return isLinked ? posixmove::moveByLinking(from, to, protection)
+                        : posixmove::moveOntoClaim(from, to, isFolder, protection);
+    };
     if (isFolder)
         QVERIFY(QDir(m_dir->path()).mkpath(u"a/inner"_s));
     else
@@ -179,6 +192,7 @@ void TestSystemFileMover::fallbacksNeverReplace()
     QVERIFY(fs::exists(path(u"a"_s)));
 
     QCOMPARE(fallback(inFolder("a"), inFolder("c")), std::nullopt);
+    QCOMPARE(protection == posixmove::Protection::Atomic, isProtected);
     QVERIFY(!fs::exists(path(u"a"_s)));
     if (isFolder)
         QVERIFY(fs::is_directory(path(u"c/inner"_s)));
@@ -190,10 +204,51 @@ void TestSystemFileMover::linkingMovesASymbolicLinkItself()
 {
     write(u"target"_s, "data");
     fs::create_symlink("target", path(u"link"_s));
-    QCOMPARE(posixmove::moveByLinking(inFolder("link"), inFolder("moved")), std::nullopt);
+    posixmove::Protection protection = posixmove::Protection::Unprotected;
+    QCOMPARE(posixmove::moveByLinking(inFolder("link"), inFolder("moved"), protection), std::nullopt);
     QVERIFY(fs::is_symlink(path(u"moved"_s)));
     QCOMPARE(fs::read_symlink(path(u"moved"_s)), fs::path("target"));
     QVERIFY(!fs::exists(fs::symlink_status(path(u"link"_s))));
+}
+
+void TestSystemFileMover::aFolderClaimThatGainedContentsIsNotReplaced()
+{
+    // Another program puts a file into the folder that claims the name: the rename onto it fails, and the
+    // claim with that file stays.
+    QVERIFY(QDir(m_dir->path()).mkpath(u"a"_s));
+    QVERIFY(QDir(m_dir->path()).mkpath(u"b"_s));
+    write(u"b/theirs"_s, "precious");
+    QCOMPARE(renameat(AT_FDCWD, path(u"a"_s).c_str(), AT_FDCWD, path(u"b"_s).c_str()), -1);
+    QCOMPARE(errno, ENOTEMPTY);
+    QCOMPARE(read(u"b/theirs"_s), "precious");
+}
+
+void TestSystemFileMover::spellingsOfOneEntryAreOneItem()
+{
+    // Where the folder lists only one spelling of two that differ in case, both name that entry; here, on a
+    // file system that tells case, two spellings are two items unless both are the same entry.
+    write(u"Photo.JPG"_s, "data");
+    write(u"other.jpg"_s, "data");
+    SystemFileMover mover;
+    QVERIFY(!mover.isSameItem(path(u"Photo.JPG"_s), path(u"photo.jpg"_s)));
+    write(u"photo.jpg"_s, "data");
+    QVERIFY(!mover.isSameItem(path(u"Photo.JPG"_s), path(u"photo.jpg"_s)));
+    QVERIFY(mover.isSameItem(path(u"Photo.JPG"_s), path(u"Photo.JPG"_s)));
+}
+
+void TestSystemFileMover::removesOnlyASecondLink()
+{
+    write(u"a"_s, "data");
+    write(u"b"_s, "data");
+    SystemFileMover mover;
+    QVERIFY(mover.removeSecondName(path(u"a"_s), path(u"b"_s)));
+    QVERIFY(fs::exists(path(u"a"_s)));
+    QVERIFY(mover.removeSecondName(path(u"a"_s), path(u"a"_s)));
+    QVERIFY(fs::exists(path(u"a"_s)));
+    fs::create_hard_link(path(u"a"_s), path(u"c"_s));
+    QCOMPARE(mover.removeSecondName(path(u"c"_s), path(u"a"_s)), std::nullopt);
+    QVERIFY(!fs::exists(path(u"c"_s)));
+    QCOMPARE(read(u"a"_s), "data");
 }
 
 void TestSystemFileMover::movesWithinAFolderItJustRenamed()
