@@ -1,6 +1,7 @@
 #include "model/nativepath.h"
 
 #include <QHashFunctions>
+#include <QStringDecoder>
 
 #include <string_view>
 
@@ -10,6 +11,15 @@ namespace {
 
 #ifndef Q_OS_WIN
 constexpr char separator = '/';
+
+/// The bytes as UTF-8 text, every character kept (bytes that are not UTF-8 read as U+FFFD). QString::fromUtf8
+/// drops a byte order mark at the start, which would rename "\uFEFFnote.txt" to "note.txt" on the way.
+QString decoded(QByteArrayView bytes)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8,
+        QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    return decoder.decode(bytes);
+}
 #endif
 
 } // namespace
@@ -75,7 +85,7 @@ std::filesystem::path NativePath::toStdPath() const
 
 QString NativePath::toText() const
 {
-    return QString::fromUtf8(m_native);
+    return decoded(m_native);
 }
 
 #endif
@@ -114,8 +124,7 @@ QString NativePath::fileNameText() const
 #ifdef Q_OS_WIN
     return fileName().toText();
 #else
-    const qsizetype start = fileNameOffset();
-    return QString::fromUtf8(m_native.constData() + start, m_native.size() - start);
+    return decoded(QByteArrayView(m_native).sliced(fileNameOffset()));
 #endif
 }
 

@@ -55,7 +55,8 @@ public:
     }
     [[nodiscard]] std::filesystem::path toStdPath() const;
 
-    /// The text for display and for the rules; bytes that are not valid UTF-8 become U+FFFD.
+    /// The text for display and for the rules, every character kept (a leading byte order mark too); bytes
+    /// that are not valid UTF-8 become U+FFFD.
     [[nodiscard]] QString toText() const;
     /// The last component, the item's name: "c" for "/a/b/c"; empty for a root or a path ending in a separator.
     [[nodiscard]] NativePath fileName() const;

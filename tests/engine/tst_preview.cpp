@@ -17,6 +17,7 @@ private Q_SLOTS:
     void namesAndMarksClashes();
     void largeBatchMatchesNameByName();
     void nameThatIsNotUtf8IsShownWithReplacementCharacters();
+    void leadingByteOrderMarkIsKept();
 };
 
 namespace {
@@ -158,6 +159,15 @@ void TestPreview::nameThatIsNotUtf8IsShownWithReplacementCharacters()
     QCOMPARE(entries.size(), 1);
     QCOMPARE(entries[0].original, u"caf\ufffd.txt"_s);
     QCOMPARE(entries[0].preview, u"CAF\ufffd.txt"_s);
+}
+
+void TestPreview::leadingByteOrderMarkIsKept()
+{
+    const FileItem file(fs::path("/x") / fs::path(std::string("\xEF\xBB\xBFnote.txt")));
+    const QList<PreviewEntry> entries = RenameEngine::preview({caseRule(CaseConversionType::Uppercase)}, {file});
+    QCOMPARE(entries.size(), 1);
+    QCOMPARE(entries[0].original, u"\uFEFFnote.txt"_s);
+    QCOMPARE(entries[0].preview, u"\uFEFFNOTE.txt"_s);
 }
 
 QTEST_APPLESS_MAIN(TestPreview)

@@ -21,6 +21,8 @@ private Q_SLOTS:
     void tellsWhatLiesWithinAFolder_data();
     void tellsWhatLiesWithinAFolder();
     void keepsBytesThatAreNotUtf8();
+    void decodesEveryCharacter_data();
+    void decodesEveryCharacter();
     void comparesAndHashesBySpelling();
 };
 
@@ -115,6 +117,39 @@ void TestNativePath::keepsBytesThatAreNotUtf8()
     QCOMPARE(location.parent().native(), QByteArray("/t/caf\xe9"));
     QCOMPARE(location.fileNameText(), u"r\uFFFDsum\uFFFD.doc"_s);
     QCOMPARE(location.withFileName(NativePath::fromText(u"cv.doc"_s)).native(), QByteArray("/t/caf\xe9/cv.doc"));
+#endif
+}
+
+void TestNativePath::decodesEveryCharacter_data()
+{
+    QTest::addColumn<QByteArray>("native");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("fileName");
+    QTest::newRow("a byte order mark that starts a bare name is kept")
+        << QByteArray("\xEF\xBB\xBFnote.txt") << u"\uFEFFnote.txt"_s << u"\uFEFFnote.txt"_s;
+    QTest::newRow("a byte order mark that starts the name in a folder is kept")
+        << QByteArray("/x/\xEF\xBB\xBFnote.txt") << u"/x/\uFEFFnote.txt"_s << u"\uFEFFnote.txt"_s;
+    QTest::newRow("a byte order mark that starts a folder is kept")
+        << QByteArray("\xEF\xBB\xBFx/a") << u"\uFEFFx/a"_s << u"a"_s;
+    QTest::newRow("two byte order marks are both kept")
+        << QByteArray("\xEF\xBB\xBF\xEF\xBB\xBF") << u"\uFEFF\uFEFF"_s << u"\uFEFF\uFEFF"_s;
+    QTest::newRow("a byte order mark inside a name is kept")
+        << QByteArray("a\xEF\xBB\xBF.txt") << u"a\uFEFF.txt"_s << u"a\uFEFF.txt"_s;
+}
+
+void TestNativePath::decodesEveryCharacter()
+{
+#ifdef Q_OS_WIN
+    QSKIP("Windows names are UTF-16");
+#else
+    QFETCH(QByteArray, native);
+    QFETCH(QString, text);
+    QFETCH(QString, fileName);
+    const NativePath location(native);
+    QCOMPARE(location.toText(), text);
+    QCOMPARE(location.fileNameText(), fileName);
+    QCOMPARE(location.fileName().toText(), fileName);
+    QCOMPARE(NativePath::fromText(text), location);
 #endif
 }
 
