@@ -21,9 +21,12 @@ QString spliced(const QString &text, qsizetype start, qsizetype end, QStringView
     return QStringView(text).first(start) + replacement + QStringView(text).sliced(end);
 }
 
-/// Wider than any file name may be: a larger padding gives a name that is refused as too long all the same,
-/// so the zeros are capped here instead of allocating billions of them.
-constexpr qint64 widestPadding = 256;
+/// The widest a number is padded. A name between two rules may be far longer than any file name (a padding of
+/// 300 that a later rule cuts back to ten digits must give those ten digits exactly), so the limit is set at
+/// 4096 characters, sixteen times the 255 bytes of the longest file name, and a padding up to it is exact. A
+/// wider one is capped there, so that a padding of 2^31 costs 8 KB instead of 4 GB: its name is refused as too
+/// long unless later rules cut all but a file name's length of it, and only then does the cap show.
+constexpr qint64 widestPadding = 4096;
 
 /// The number in decimal, zero-filled to at least `padding` characters with a minus sign counting toward the
 /// width, as C's "%0<padding>d" does (up to widestPadding).
