@@ -121,6 +121,10 @@ void TestFileItem::keepsNamesThatAreNotUtf8()
     std::ofstream(location.toStdPath()) << "x";
     const FileItem item(location);
     QCOMPARE(item.originalName(), u"caf\uFFFD menu.txt"_s);
+    QCOMPARE(item.previewName, u"caf\uFFFD menu.txt"_s);
+    QCOMPARE(item.nameWithoutExtension(), u"caf\uFFFD menu"_s);
+    QCOMPARE(item.escapedName(), u"caf\xDCE9 menu.txt"_s);
+    QCOMPARE(item.url.withFileName(NativePath::fromEscapedText(item.escapedName())), item.url);
     QCOMPARE(item.url.fileName().native(), QByteArray("caf\xe9 menu.txt"));
     QCOMPARE(item.fileSizeString(), u"1 byte"_s);
     QVERIFY(fs::exists(item.url.toStdPath()));
@@ -144,6 +148,7 @@ void TestFileItem::keepsALeadingByteOrderMark()
     QCOMPARE(item.nameWithoutExtension(), u"\uFEFFnote"_s);
     QCOMPARE(item.fileExtension(), u"txt"_s);
     QCOMPARE(item.previewName, u"\uFEFFnote.txt"_s);
+    QCOMPARE(item.escapedName(), u"\uFEFFnote.txt"_s);
     QCOMPARE(item.url.fileName().native(), QByteArray("\xEF\xBB\xBFnote.txt"));
     QCOMPARE(item.fileSizeString(), u"1 byte"_s);
     // Written back from its text, the name is the same name on disk.
