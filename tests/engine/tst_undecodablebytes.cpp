@@ -167,6 +167,37 @@ void TestUndecodableBytes::rulesKeepTheBytesTheyDoNotTouch_data()
         << QByteArray("a\xF0\x9F\x92\x80.txt");
     QTest::newRow("a valid name is unaffected") << QList{caseRule(CaseConversionType::Uppercase)}
                                                 << QByteArray("caf\xC3\xA9.txt") << QByteArray("CAF\xC3\x89.txt");
+    // A user who sees U+FFFD in a name types U+FFFD to find it.
+    QTest::newRow("a U+FFFD in a search text matches a byte shown as U+FFFD")
+        << QList{replace(u"\uFFFD"_s, u"e"_s, true)} << QByteArray("caf\xE9 1.txt") << QByteArray("cafe 1.txt");
+    QTest::newRow("a U+FFFD in a search text that ignores case matches a byte shown as U+FFFD")
+        << QList{replace(u"CAF\uFFFD"_s, u"x"_s, false)} << QByteArray("caf\xE9.txt") << QByteArray("x.txt");
+    QTest::newRow("a U+FFFD in a search text still matches a valid U+FFFD")
+        << QList{replace(u"\uFFFD"_s, u"e"_s, true)} << QByteArray("caf\xEF\xBF\xBD.txt") << QByteArray("cafe.txt");
+    QTest::newRow("a U+FFFD in a search text matches one byte at a time")
+        << QList{replace(u"\uFFFD"_s, u"_"_s, true)} << QByteArray("\xE2\x82x.txt") << QByteArray("__x.txt");
+    QTest::newRow("a search text with U+FFFD that ignores case matches sharp s against SS")
+        << QList{replace(u"straße\uFFFD"_s, u"x"_s, false)} << QByteArray("STRASSE\xE9.txt") << QByteArray("x.txt");
+    QTest::newRow("a search text with U+FFFD reads pattern characters literally")
+        << QList{replace(u"(.)\uFFFD"_s, u"x"_s, true)} << QByteArray("a(.)\xE9z.txt") << QByteArray("axz.txt");
+    QTest::newRow("a search text with U+FFFD finds a character beyond the basic plane")
+        << QList{replace(u"\U0001F480\uFFFD"_s, u"x"_s, true)} << QByteArray("a\xF0\x9F\x92\x80\xE9.txt")
+        << QByteArray("ax.txt");
+    QTest::newRow("removing U+FFFD removes the bytes shown as it")
+        << QList{rule(RuleType::Remove, [](RenameRule &r) { r.removeText = u"\uFFFD"_s; })}
+        << QByteArray("caf\xE9\xE8.txt") << QByteArray("caf.txt");
+    QTest::newRow("a marker with U+FFFD finds a byte and keeps it") << QList{rule(RuleType::Remove, [](RenameRule &r) {
+        r.removeTarget = RemoveTarget::BetweenText;
+        r.removeBetweenStart = u"\uFFFD"_s;
+        r.removeBetweenEnd = u"z"_s;
+    })} << QByteArray("a\xE9mid z.txt") << QByteArray("a\xE9z.txt");
+    QTest::newRow("an anchor with U+FFFD finds a byte and keeps it") << QList{rule(RuleType::Insert, [](RenameRule &r) {
+        r.insertText = u"!"_s;
+        r.insertPosition = InsertPosition::AfterText;
+        r.insertAnchorText = u"caf\uFFFD"_s;
+    })} << QByteArray("CAF\xE9.txt") << QByteArray("CAF\xE9!.txt");
+    QTest::newRow("a pattern is read as written: its U+FFFD matches only U+FFFD")
+        << QList{regexRule(u"\uFFFD"_s, u"e"_s)} << QByteArray("caf\xE9.txt") << QByteArray("caf\xE9.txt");
     QTest::newRow("a leading byte order mark is kept")
         << QList{caseRule(CaseConversionType::Uppercase)} << QByteArray("\xEF\xBB\xBFnote.txt")
         << QByteArray("\xEF\xBB\xBFNOTE.txt");
