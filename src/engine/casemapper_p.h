@@ -16,8 +16,9 @@ public:
     /// The first letter of every word upper-case (title-case), every other letter lower-case.
     [[nodiscard]] QString title(const QString &text);
 
-    /// Whether title() takes its shortcut for names of plain ASCII words (on unless turned off). Process-wide:
-    /// for the benchmark that times the shortcut against ICU and the test that holds the two equal.
+    /// Turns title()'s shortcut for names of plain ASCII words on or off (it is on unless turned off), for every
+    /// mapper of the process: for the benchmark that times the shortcut against ICU and the test that holds the
+    /// two equal.
     static void setPlainAsciiTitleShortcut(bool isOn);
 
 private:
