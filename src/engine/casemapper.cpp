@@ -3,9 +3,13 @@
 
 #include <unicode/casemap.h>
 
+#include <atomic>
+
 namespace quillfern {
 
 namespace {
+
+std::atomic<bool> isPlainAsciiTitleShortcutOn = true;
 
 bool isAscii(QStringView text)
 {
@@ -43,7 +47,10 @@ QString mapped(const QString &text, Map map)
 }
 
 /// Whether ICU's word breaks in the text are simply the edges of runs of ASCII letters, digits and
-/// underscores: ASCII without the characters that can join two such runs into one word (. ' : , ; ").
+/// underscores: ASCII without the characters that can join two such runs into one word. Unicode's word rules
+/// join runs of ASCII only across : . ' , ; " (ICU's root rules no longer join at the colon; excluding it costs
+/// nothing), and ICU's root rules count "@" as a letter, so "user@example" is one word. The equivalence test
+/// holds the shortcut to ICU around every ASCII character.
 bool hasPlainAsciiWords(QStringView text)
 {
     for (const QChar unit : text) {
@@ -54,6 +61,7 @@ bool hasPlainAsciiWords(QStringView text)
         case u',':
         case u';':
         case u'"':
+        case u'@':
             return false;
         default:
             if (unit.unicode() >= 0x80)
@@ -136,7 +144,7 @@ QString CaseMapper::lower(const QString &text) const
 QString CaseMapper::title(const QString &text)
 {
     // Most names are plain ASCII; running the word-break rules on them costs more than the rest of a preview.
-    if (hasPlainAsciiWords(text))
+    if (isPlainAsciiTitleShortcutOn.load(std::memory_order_relaxed) && hasPlainAsciiWords(text))
         return titleOfPlainAsciiWords(text);
     // Without an iterator ICU would create a word iterator per call.
     icu::BreakIterator *iterator = m_wordIterator.get();
@@ -148,6 +156,11 @@ QString CaseMapper::title(const QString &text)
             UErrorCode &status) {
             return icu::CaseMap::toTitle("", 0, iterator, source, length, destination, capacity, nullptr, status);
         });
+}
+
+void CaseMapper::setPlainAsciiTitleShortcut(bool isOn)
+{
+    isPlainAsciiTitleShortcutOn.store(isOn, std::memory_order_relaxed);
 }
 
 } // namespace quillfern

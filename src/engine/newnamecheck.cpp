@@ -28,8 +28,8 @@ QString describe(QChar character)
     return u"“%1”"_s.arg(character);
 }
 
-/// The length of the text in UTF-8, without encoding it (the encoder itself decides about a lone surrogate).
-qsizetype utf8Length(QStringView text)
+/// The number of bytes NativePath::fromEscapedText() writes for the text, without encoding it.
+qsizetype writtenLength(QStringView text)
 {
     qsizetype bytes = 0;
     for (qsizetype i = 0; i < text.size(); ++i) {
@@ -37,8 +37,12 @@ qsizetype utf8Length(QStringView text)
         if (unit.isHighSurrogate() && i + 1 < text.size() && text[i + 1].isLowSurrogate()) {
             bytes += 4;
             ++i;
+        } else if (unit.unicode() >= 0xDC80 && unit.unicode() <= 0xDCFF) {
+            // A byte of the name that is not UTF-8, written back as itself.
+            bytes += 1;
         } else if (unit.isSurrogate()) {
-            return text.toUtf8().size();
+            // The encoder decides what it writes for any other lone surrogate.
+            bytes += QStringView(text).sliced(i, 1).toUtf8().size();
         } else {
             bytes += unit.unicode() < 0x80 ? 1 : unit.unicode() < 0x800 ? 2 : 3;
         }
@@ -58,7 +62,7 @@ QString whyInvalid(const QString &name)
         if (isForbidden(character))
             return u"The new name contains %1, which a file name cannot contain."_s.arg(describe(character));
     }
-    const qsizetype bytes = utf8Length(name);
+    const qsizetype bytes = writtenLength(name);
     if (bytes > maximumNameBytes)
         return u"The new name is %1 bytes long; a file name can have at most %2."_s.arg(bytes).arg(maximumNameBytes);
     return {};

@@ -20,11 +20,12 @@ namespace quillfern {
 
 namespace {
 
-/// The current name, new name and clash key of one file.
+/// The current name and new name of one file as they are shown, and the clash key of its new name.
 struct NamedFile
 {
     QString original;
     QString newName;
+    /// From the escaped new name, so that two names that differ only in bytes shown alike as U+FFFD do not clash.
     QString conflictKey;
     /// Hashed on the worker thread, so the serial clash pass only compares.
     size_t conflictHash = 0;
@@ -66,9 +67,12 @@ void nameRange(const QList<RenameRule> &rules,
     RulePipeline pipeline(rules);
     for (qsizetype i = begin; i < end; ++i) {
         NamedFile &file = named[size_t(i)];
-        file.original = files[i].originalName();
-        file.newName = pipeline.newName(file.original, i);
-        file.conflictKey = pipeline.conflictKey(file.newName);
+        // The rules read the escaped name, so that the bytes of a name that is not UTF-8 survive them.
+        const QString original = files[i].escapedName();
+        const QString newName = pipeline.newName(original, i);
+        file.original = NativePath::displayText(original);
+        file.newName = NativePath::displayText(newName);
+        file.conflictKey = pipeline.conflictKey(newName);
         file.conflictHash = qHash(file.conflictKey);
     }
 }

@@ -21,9 +21,12 @@ QString spliced(const QString &text, qsizetype start, qsizetype end, QStringView
     return QStringView(text).first(start) + replacement + QStringView(text).sliced(end);
 }
 
-/// Wider than any file name may be: a larger padding gives a name that is refused as too long all the same,
-/// so the zeros are capped here instead of allocating billions of them.
-constexpr qint64 widestPadding = 256;
+/// The widest a number is padded. A name between two rules may be far longer than any file name (a padding of
+/// 300 that a later rule cuts back to ten digits must give those ten digits exactly), so the limit is set at
+/// 4096 characters, sixteen times the 255 bytes of the longest file name, and a padding up to it is exact. A
+/// wider one is capped there, so that a padding of 2^31 costs 8 KB instead of 4 GB: its name is refused as too
+/// long unless later rules cut all but a file name's length of it, and only then does the cap show.
+constexpr qint64 widestPadding = 4096;
 
 /// The number in decimal, zero-filled to at least `padding` characters with a minus sign counting toward the
 /// width, as C's "%0<padding>d" does (up to widestPadding).
@@ -55,9 +58,27 @@ RulePipeline::RulePipeline(const QList<RenameRule> &rules)
     }
 }
 
-std::unique_ptr<IcuMatcher> RulePipeline::caseInsensitiveSearch(const QString &literal)
+// A search text is what the user typed after reading the names as they are shown, where each byte of a name
+// that is not UTF-8 appears as U+FFFD: a U+FFFD in it matches such a byte (escaped in the rules' text) as well as
+// a U+FFFD. Every other character is spelt as its code point, so none is read as pattern syntax.
+std::unique_ptr<IcuMatcher> RulePipeline::literalSearch(const QString &literal, bool isCaseSensitive)
 {
-    return std::make_unique<IcuMatcher>(literal, UREGEX_LITERAL | UREGEX_CASE_INSENSITIVE);
+    const uint32_t caseFlag = isCaseSensitive ? 0 : UREGEX_CASE_INSENSITIVE;
+    if (!literal.contains(QChar::ReplacementCharacter))
+        return std::make_unique<IcuMatcher>(literal, UREGEX_LITERAL | caseFlag);
+    QString pattern;
+    for (qsizetype i = 0; i < literal.size(); ++i) {
+        const QChar unit = literal[i];
+        if (unit == QChar::ReplacementCharacter) {
+            pattern += u"[\\x{FFFD}\\x{DC80}-\\x{DCFF}]"_s;
+            continue;
+        }
+        char32_t codePoint = unit.unicode();
+        if (unit.isHighSurrogate() && i + 1 < literal.size() && literal[i + 1].isLowSurrogate())
+            codePoint = QChar::surrogateToUcs4(unit, literal[++i]);
+        pattern += u"\\x{"_s + QString::number(uint(codePoint), 16) + u'}';
+    }
+    return std::make_unique<IcuMatcher>(pattern, caseFlag);
 }
 
 void RulePipeline::compilePattern(Step &step, uint32_t flags)
@@ -72,22 +93,24 @@ RulePipeline::Step RulePipeline::compile(const RenameRule &rule)
     step.rule = &rule;
     switch (rule.type) {
     case RuleType::Replace:
+        // A case-sensitive search without U+FFFD is a plain search of the text, which needs no matcher.
         if (rule.useRegex)
             compilePattern(step, rule.isCaseSensitive ? 0 : UREGEX_CASE_INSENSITIVE);
-        else if (!rule.isCaseSensitive && !rule.findText.isEmpty())
-            step.search = caseInsensitiveSearch(rule.findText);
+        else if (!rule.findText.isEmpty()
+            && (!rule.isCaseSensitive || rule.findText.contains(QChar::ReplacementCharacter)))
+            step.search = literalSearch(rule.findText, rule.isCaseSensitive);
         break;
     case RuleType::Insert:
         if (!rule.insertAnchorText.isEmpty())
-            step.search = caseInsensitiveSearch(rule.insertAnchorText);
+            step.search = literalSearch(rule.insertAnchorText, false);
         break;
     case RuleType::Remove:
         if (rule.removeTarget == RemoveTarget::Text && !rule.removeText.isEmpty())
-            step.search = caseInsensitiveSearch(rule.removeText);
+            step.search = literalSearch(rule.removeText, false);
         if (rule.removeTarget == RemoveTarget::BetweenText && !rule.removeBetweenStart.isEmpty()
             && !rule.removeBetweenEnd.isEmpty()) {
-            step.search = caseInsensitiveSearch(rule.removeBetweenStart);
-            step.endSearch = caseInsensitiveSearch(rule.removeBetweenEnd);
+            step.search = literalSearch(rule.removeBetweenStart, false);
+            step.endSearch = literalSearch(rule.removeBetweenEnd, false);
         }
         break;
     case RuleType::DateStamp: {
@@ -192,10 +215,13 @@ QString RulePipeline::applyInsert(Step &step, const QString &text)
         const auto match = step.search ? step.search->firstMatch(text) : std::nullopt;
         if (!match)
             return text;
-        // The matched characters are written back in the anchor's own spelling.
-        const QString replacement = rule.insertPosition == InsertPosition::BeforeText
-            ? rule.insertText + rule.insertAnchorText
-            : rule.insertAnchorText + rule.insertText;
+        // The matched characters are written back in the anchor's own spelling, unless the anchor has a U+FFFD,
+        // which may have matched a byte that is not UTF-8: then as the name spells them, so that the byte is kept.
+        const QString anchor = rule.insertAnchorText.contains(QChar::ReplacementCharacter)
+            ? text.sliced(match->start, match->end - match->start)
+            : rule.insertAnchorText;
+        const QString replacement =
+            rule.insertPosition == InsertPosition::BeforeText ? rule.insertText + anchor : anchor + rule.insertText;
         return spliced(text, match->start, match->end, replacement);
     }
     }

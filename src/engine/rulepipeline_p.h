@@ -51,7 +51,7 @@ private:
     };
 
     [[nodiscard]] static Step compile(const RenameRule &rule);
-    [[nodiscard]] static std::unique_ptr<IcuMatcher> caseInsensitiveSearch(const QString &literal);
+    [[nodiscard]] static std::unique_ptr<IcuMatcher> literalSearch(const QString &literal, bool isCaseSensitive);
     static void compilePattern(Step &step, uint32_t flags);
 
     [[nodiscard]] QString applyStep(Step &step, const QString &text, qint64 index);

@@ -58,6 +58,11 @@ QString FileItem::originalName() const
     return url.fileNameText();
 }
 
+QString FileItem::escapedName() const
+{
+    return url.fileNameEscapedText();
+}
+
 QString FileItem::nameWithoutExtension() const
 {
     const QString name = originalName();

@@ -8,7 +8,8 @@
 namespace quillfern {
 
 /// One file or folder of the working list. Equal and hashed by `id` only. The location is a native path, so
-/// names that are not valid UTF-8 keep their exact bytes; the derived names are text for display and rules.
+/// names that are not valid UTF-8 keep their exact bytes; the derived names are text for display, and the
+/// escaped name is the text for the rules.
 struct FileItem
 {
     /// An item for the location: a fresh id, selected, no conflict, previewName the current name, and
@@ -24,8 +25,11 @@ struct FileItem
     bool hasConflict = false;
     bool isDirectory = false;
 
-    /// The full current name, extension included.
+    /// The full current name, extension included, as it is shown (bytes that are not UTF-8 as U+FFFD).
     [[nodiscard]] QString originalName() const;
+    /// The full current name as the rules read it, from which NativePath::fromEscapedText() gives its exact
+    /// bytes back (see NativePath::toEscapedText()).
+    [[nodiscard]] QString escapedName() const;
     /// The current name without its extension ("archive.tar" for "archive.tar.gz").
     [[nodiscard]] QString nameWithoutExtension() const;
     /// The extension without the dot; empty when there is none ("README", ".bashrc", "file.").

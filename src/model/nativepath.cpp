@@ -1,6 +1,7 @@
 #include "model/nativepath.h"
 
 #include <QHashFunctions>
+#include <QStringDecoder>
 
 #include <string_view>
 
@@ -8,8 +9,93 @@ namespace quillfern {
 
 namespace {
 
+/// A byte that is not part of valid UTF-8 (0x80 to 0xFF) is carried in text as the lone low surrogate
+/// U+DC00 + byte, which no valid UTF-8 decodes to; a surrogate pair is a character, never an escape.
+constexpr char16_t escapeBase = 0xDC00;
+
+bool isEscapedByte(QStringView text, qsizetype position)
+{
+    const char16_t unit = text[position].unicode();
+    return unit >= escapeBase + 0x80 && unit <= escapeBase + 0xFF
+        && (position == 0 || !text[position - 1].isHighSurrogate());
+}
+
 #ifndef Q_OS_WIN
 constexpr char separator = '/';
+
+/// The bytes as UTF-8 text, every character kept (bytes that are not UTF-8 read as U+FFFD). QString::fromUtf8
+/// drops a byte order mark at the start, which would rename "\uFEFFnote.txt" to "note.txt" on the way.
+QString decoded(QByteArrayView bytes)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8,
+        QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    return decoder.decode(bytes);
+}
+
+/// The length of the well-formed UTF-8 sequence that starts the bytes, by Unicode's table of well-formed byte
+/// sequences (no overlong forms, no surrogates, nothing above U+10FFFF); 0 when the first byte starts none.
+qsizetype wellFormedLength(QByteArrayView bytes)
+{
+    const auto isIn = [](uchar byte, uchar low, uchar high) {
+        return byte >= low && byte <= high;
+    };
+    const auto lead = uchar(bytes[0]);
+    if (lead < 0x80)
+        return 1;
+    qsizetype length = 0;
+    uchar secondLow = 0x80;
+    uchar secondHigh = 0xBF;
+    if (isIn(lead, 0xC2, 0xDF)) {
+        length = 2;
+    } else if (isIn(lead, 0xE0, 0xEF)) {
+        length = 3;
+        secondLow = lead == 0xE0 ? 0xA0 : 0x80;
+        secondHigh = lead == 0xED ? 0x9F : 0xBF;
+    } else if (isIn(lead, 0xF0, 0xF4)) {
+        length = 4;
+        secondLow = lead == 0xF0 ? 0x90 : 0x80;
+        secondHigh = lead == 0xF4 ? 0x8F : 0xBF;
+    } else {
+        return 0;
+    }
+    if (bytes.size() < length || !isIn(uchar(bytes[1]), secondLow, secondHigh))
+        return 0;
+    for (qsizetype i = 2; i < length; ++i) {
+        if (!isIn(uchar(bytes[i]), 0x80, 0xBF))
+            return 0;
+    }
+    return length;
+}
+
+/// The bytes as text for the rules: UTF-8 decoded, every character kept, each byte that is not part of a
+/// well-formed sequence escaped. Qt's decoder shows such a byte as one U+FFFD, so it shows the same text.
+QString escaped(QByteArrayView bytes)
+{
+    QString text = decoded(bytes);
+    // Nearly every name is valid UTF-8, and only one that contains U+FFFD can hold a byte to escape.
+    if (!text.contains(QChar::ReplacementCharacter))
+        return text;
+    text.clear();
+    for (qsizetype i = 0; i < bytes.size();) {
+        const qsizetype length = wellFormedLength(bytes.sliced(i));
+        if (length == 0) {
+            text += QChar(char16_t(escapeBase + uchar(bytes[i])));
+            ++i;
+            continue;
+        }
+        char32_t codePoint = length == 1 ? uchar(bytes[i]) : uchar(bytes[i]) & (0x7F >> length);
+        for (qsizetype k = 1; k < length; ++k)
+            codePoint = (codePoint << 6) | (uchar(bytes[i + k]) & 0x3F);
+        if (QChar::requiresSurrogates(codePoint)) {
+            text += QChar(QChar::highSurrogate(codePoint));
+            text += QChar(QChar::lowSurrogate(codePoint));
+        } else {
+            text += QChar(char16_t(codePoint));
+        }
+        i += length;
+    }
+    return text;
+}
 #endif
 
 } // namespace
@@ -75,10 +161,67 @@ std::filesystem::path NativePath::toStdPath() const
 
 QString NativePath::toText() const
 {
-    return QString::fromUtf8(m_native);
+    return decoded(m_native);
 }
 
 #endif
+
+// Windows names are UTF-16 units, which text holds as they are: there is nothing to escape.
+
+QString NativePath::toEscapedText() const
+{
+#ifdef Q_OS_WIN
+    return toText();
+#else
+    return escaped(m_native);
+#endif
+}
+
+QString NativePath::fileNameEscapedText() const
+{
+#ifdef Q_OS_WIN
+    return fileNameText();
+#else
+    return escaped(QByteArrayView(m_native).sliced(fileNameOffset()));
+#endif
+}
+
+NativePath NativePath::fromEscapedText(const QString &text)
+{
+#ifdef Q_OS_WIN
+    return fromText(text);
+#else
+    // The text between two escaped bytes never splits a surrogate pair: an escape is a low surrogate no high
+    // one pairs.
+    QByteArray bytes;
+    qsizetype pieceStart = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (!isEscapedByte(text, i))
+            continue;
+        bytes += QStringView(text).sliced(pieceStart, i - pieceStart).toUtf8();
+        bytes += char(text[i].unicode() - escapeBase);
+        pieceStart = i + 1;
+    }
+    if (pieceStart == 0)
+        return fromText(text);
+    bytes += QStringView(text).sliced(pieceStart).toUtf8();
+    return NativePath(std::move(bytes));
+#endif
+}
+
+QString NativePath::displayText(const QString &escapedText)
+{
+    QString shown;
+    for (qsizetype i = 0; i < escapedText.size(); ++i) {
+        if (!isEscapedByte(escapedText, i))
+            continue;
+        // Copied only once an escape is found: most names have none and are shown as they are.
+        if (shown.isNull())
+            shown = escapedText;
+        shown[i] = QChar::ReplacementCharacter;
+    }
+    return shown.isNull() ? escapedText : shown;
+}
 
 std::optional<NativePath> NativePath::fromLocalFileUrl(const QUrl &url)
 {
@@ -114,8 +257,7 @@ QString NativePath::fileNameText() const
 #ifdef Q_OS_WIN
     return fileName().toText();
 #else
-    const qsizetype start = fileNameOffset();
-    return QString::fromUtf8(m_native.constData() + start, m_native.size() - start);
+    return decoded(QByteArrayView(m_native).sliced(fileNameOffset()));
 #endif
 }
 

@@ -39,6 +39,12 @@ public:
 
     /// The native path for a text (UTF-8 bytes on POSIX).
     static NativePath fromText(const QString &text);
+    /// The native path for a text from toEscapedText() or rules applied to it: UTF-8 bytes on POSIX, where each
+    /// lone surrogate U+DC80..U+DCFF is written as the byte it carries (U+DCE9 as 0xE9), so the bytes of a name
+    /// that is not valid UTF-8 come back; any other lone surrogate is written as fromText() writes it.
+    static NativePath fromEscapedText(const QString &text);
+    /// The escaped text as it is shown: each lone surrogate U+DC80..U+DCFF, an escaped byte, as U+FFFD.
+    [[nodiscard]] static QString displayText(const QString &escapedText);
     /// The native path of a local file URL, bytes that are not valid UTF-8 included (from their
     /// percent-encoded form); none for a URL that is not a local file.
     static std::optional<NativePath> fromLocalFileUrl(const QUrl &url);
@@ -55,12 +61,18 @@ public:
     }
     [[nodiscard]] std::filesystem::path toStdPath() const;
 
-    /// The text for display and for the rules; bytes that are not valid UTF-8 become U+FFFD.
+    /// The text for display and for the rules, every character kept (a leading byte order mark too); bytes
+    /// that are not valid UTF-8 become U+FFFD.
     [[nodiscard]] QString toText() const;
+    /// The text for the rules, from which fromEscapedText() gives this path back: as toText(), but on POSIX each
+    /// byte that is not part of valid UTF-8 becomes the lone surrogate U+DC00 + byte (0xE9 becomes U+DCE9).
+    [[nodiscard]] QString toEscapedText() const;
     /// The last component, the item's name: "c" for "/a/b/c"; empty for a root or a path ending in a separator.
     [[nodiscard]] NativePath fileName() const;
     /// The text of fileName().
     [[nodiscard]] QString fileNameText() const;
+    /// The escaped text of fileName().
+    [[nodiscard]] QString fileNameEscapedText() const;
     /// Where the last component starts in native(): the folder part, separator included, comes before it.
     [[nodiscard]] qsizetype fileNameOffset() const;
     /// The folder that holds the item: "/a/b" for "/a/b/c", "/" for "/a", empty for a bare name.

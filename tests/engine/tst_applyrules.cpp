@@ -323,10 +323,30 @@ void TestApplyRules::transformsTheName_data()
         {numbering(-1, 1, 3, NumberingPosition::Suffix, QString())},
         u"n"_s,
         u"n-01"_s);
-    row("a padding wider than any file name stops at 256 digits",
-        {numbering(7, 1, 1'000'000'000, NumberingPosition::Replace, QString())},
+    row("a padding wider than a later rule leaves is exact",
+        {numbering(7, 1, 300, NumberingPosition::Replace, QString()), removeCount(RemoveTarget::FirstN, 290)},
         u"n"_s,
-        QString(255, u'0') + u'7');
+        u"0000000007"_s);
+    row("a padding wider than a file name is exact as a prefix too",
+        {numbering(7, 1, 300, NumberingPosition::Prefix, u"_"_s), removeCount(RemoveTarget::FirstN, 296)},
+        u"name"_s,
+        u"0007_name"_s);
+    row("a padding of the widest 4096 digits is exact",
+        {numbering(7, 1, 4096, NumberingPosition::Replace, QString()), removeCount(RemoveTarget::FirstN, 4090)},
+        u"n"_s,
+        u"000007"_s);
+    row("a padding one above the widest stops at 4096 digits",
+        {numbering(7, 1, 4097, NumberingPosition::Replace, QString()), removeCount(RemoveTarget::FirstN, 4090)},
+        u"n"_s,
+        u"000007"_s);
+    row("a padding of two to the 31st stops at 4096 digits",
+        {numbering(7, 1, qint64(1) << 31, NumberingPosition::Replace, QString())},
+        u"n"_s,
+        QString(4095, u'0') + u'7');
+    row("a negative number padded beyond the widest keeps its sign within 4096 characters",
+        {numbering(-7, 1, 5000, NumberingPosition::Replace, QString())},
+        u"n"_s,
+        u'-' + QString(4094, u'0') + u'7');
     row("long numbers are not cut",
         {numbering(123456, 1, 3, NumberingPosition::Replace, QString())},
         u"n"_s,

@@ -1,6 +1,8 @@
+#include "engine/casemapper_p.h"
 #include "engine/renameengine.h"
 
 #include <QRandomGenerator>
+#include <QScopeGuard>
 #include <QTest>
 
 #include <unicode/locid.h>
@@ -18,6 +20,8 @@ class TestIcuEquivalence final : public QObject
 
 private Q_SLOTS:
     void titleCaseMatchesIcu();
+    void casingAroundEveryAsciiCharacterMatchesIcu_data();
+    void casingAroundEveryAsciiCharacterMatchesIcu();
     void templatesExpandAsIcuDoes_data();
     void templatesExpandAsIcuDoes();
 };
@@ -40,6 +44,21 @@ QString icuTitle(const QString &text)
     return fromIcu(mapped.toTitle(nullptr, icu::Locale::getRoot()));
 }
 
+RenameRule caseRule(CaseConversionType type)
+{
+    RenameRule rule(RuleType::CaseConversion);
+    rule.caseType = type;
+    return rule;
+}
+
+/// The name cased by the engine with ICU alone, without the plain ASCII title-case shortcut.
+QString casedByIcuAlone(CaseConversionType type, const QString &name)
+{
+    CaseMapper::setPlainAsciiTitleShortcut(false);
+    const auto restore = qScopeGuard([] { CaseMapper::setPlainAsciiTitleShortcut(true); });
+    return RenameEngine::applyRules({caseRule(type)}, name, 0, QString());
+}
+
 /// ICU's own replaceAll, or the text itself when ICU fails, as the engine promises.
 QString icuReplaceAll(const QString &pattern, const QString &replacement, const QString &text)
 {
@@ -57,10 +76,9 @@ QString icuReplaceAll(const QString &pattern, const QString &replacement, const 
 
 void TestIcuEquivalence::titleCaseMatchesIcu()
 {
-    RenameRule title(RuleType::CaseConversion);
-    title.caseType = CaseConversionType::TitleCase;
+    const RenameRule title = caseRule(CaseConversionType::TitleCase);
     // Letters, digits, the word joiners and other punctuation, in random short names.
-    const QString alphabet = u"aAbZz09_ -()!#$+~.':,;\"\tqQxX"_s;
+    const QString alphabet = u"aAbZz09_ -()!#$+~.':,;\"@\tqQxX"_s;
     QRandomGenerator random(20261122);
     for (int sample = 0; sample < 20000; ++sample) {
         QString name;
@@ -68,6 +86,51 @@ void TestIcuEquivalence::titleCaseMatchesIcu()
         for (int i = 0; i < length; ++i)
             name += alphabet[random.bounded(int(alphabet.size()))];
         QCOMPARE(RenameEngine::applyRules({title}, name, 0, QString()), icuTitle(name));
+    }
+}
+
+void TestIcuEquivalence::casingAroundEveryAsciiCharacterMatchesIcu_data()
+{
+    QTest::addColumn<QChar>("character");
+    for (char16_t unit = 0x01; unit < 0x80; ++unit) {
+        const QChar character(unit);
+        const QByteArray shown = character.isPrint() ? u"“%1”"_s.arg(character).toUtf8()
+                                                     : u"U+%1"_s.arg(uint(unit), 4, 16, QChar(u'0')).toUpper().toUtf8();
+        QTest::addRow("names with %s between words, at either end and doubled are cased as ICU cases them",
+            shown.constData())
+            << character;
+    }
+}
+
+void TestIcuEquivalence::casingAroundEveryAsciiCharacterMatchesIcu()
+{
+    QFETCH(QChar, character);
+    // "•" stands for the character.
+    static const QStringList shapes{u"user•example report"_s,
+        u"•leading"_s,
+        u"trailing•"_s,
+        u"••doubled first"_s,
+        u"doubled last••"_s,
+        u"two••words"_s,
+        u"hELLO•wORLD"_s,
+        u"2nd•3RD"_s,
+        u"a1•b2"_s,
+        u"x•7"_s,
+        u"7•x"_s,
+        u"_•a"_s,
+        u"a•_"_s,
+        u"•"_s,
+        u"••"_s,
+        u"mIxEd•CaSe•WoRdS"_s,
+        u"• spaced • out •"_s,
+        u"it•s O•NEIL"_s};
+    for (const QString &shape : shapes) {
+        const QString name = QString(shape).replace(u'•', character);
+        const QString title = RenameEngine::applyRules({caseRule(CaseConversionType::TitleCase)}, name, 0, QString());
+        QCOMPARE(title, icuTitle(name));
+        QCOMPARE(title, casedByIcuAlone(CaseConversionType::TitleCase, name));
+        const QString camel = RenameEngine::applyRules({caseRule(CaseConversionType::CamelCase)}, name, 0, QString());
+        QCOMPARE(camel, casedByIcuAlone(CaseConversionType::CamelCase, name));
     }
 }
 

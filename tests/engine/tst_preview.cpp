@@ -17,6 +17,9 @@ private Q_SLOTS:
     void namesAndMarksClashes();
     void largeBatchMatchesNameByName();
     void nameThatIsNotUtf8IsShownWithReplacementCharacters();
+    void leadingByteOrderMarkIsKept();
+    void clashesCompareTheBytesOfNames_data();
+    void clashesCompareTheBytesOfNames();
 };
 
 namespace {
@@ -158,6 +161,54 @@ void TestPreview::nameThatIsNotUtf8IsShownWithReplacementCharacters()
     QCOMPARE(entries.size(), 1);
     QCOMPARE(entries[0].original, u"caf\ufffd.txt"_s);
     QCOMPARE(entries[0].preview, u"CAF\ufffd.txt"_s);
+}
+
+void TestPreview::leadingByteOrderMarkIsKept()
+{
+    const FileItem file(fs::path("/x") / fs::path(std::string("\xEF\xBB\xBFnote.txt")));
+    const QList<PreviewEntry> entries = RenameEngine::preview({caseRule(CaseConversionType::Uppercase)}, {file});
+    QCOMPARE(entries.size(), 1);
+    QCOMPARE(entries[0].original, u"\uFEFFnote.txt"_s);
+    QCOMPARE(entries[0].preview, u"\uFEFFNOTE.txt"_s);
+}
+
+void TestPreview::clashesCompareTheBytesOfNames_data()
+{
+    QTest::addColumn<QList<RenameRule>>("rules");
+    QTest::addColumn<QByteArrayList>("paths");
+    QTest::addColumn<QStringList>("previews");
+    QTest::addColumn<QList<bool>>("conflicts");
+    const QList<RenameRule> upper{caseRule(CaseConversionType::Uppercase)};
+    QTest::newRow("names that differ only in a byte that is not UTF-8 do not clash, though shown alike")
+        << upper << QByteArrayList{"/x/caf\xE9.txt", "/x/caf\xE8.txt"}
+        << QStringList{u"CAF\uFFFD.txt"_s, u"CAF\uFFFD.txt"_s} << QList<bool>{false, false};
+    QTest::newRow("a byte that is not UTF-8 does not clash with a valid U+FFFD")
+        << upper << QByteArrayList{"/x/caf\xE9.txt", "/y/caf\xEF\xBF\xBD.txt"}
+        << QStringList{u"CAF\uFFFD.txt"_s, u"CAF\uFFFD.txt"_s} << QList<bool>{false, false};
+    QTest::newRow("the same byte in names that differ in case clashes")
+        << QList<RenameRule>{} << QByteArrayList{"/x/caf\xE9.txt", "/y/CAF\xE9.TXT"}
+        << QStringList{u"caf\uFFFD.txt"_s, u"CAF\uFFFD.TXT"_s} << QList<bool>{false, true};
+    QTest::newRow("rules that leave two names the same bytes make them clash")
+        << QList{replaceAll(u"b"_s, u"a"_s)} << QByteArrayList{"/x/a\xE9.txt", "/x/b\xE9.txt"}
+        << QStringList{u"a\uFFFD.txt"_s, u"a\uFFFD.txt"_s} << QList<bool>{false, true};
+}
+
+void TestPreview::clashesCompareTheBytesOfNames()
+{
+    QFETCH(QList<RenameRule>, rules);
+    QFETCH(QByteArrayList, paths);
+    QFETCH(QStringList, previews);
+    QFETCH(QList<bool>, conflicts);
+    QList<FileItem> files;
+    for (const QByteArray &path : std::as_const(paths))
+        files.append(FileItem(NativePath(path), false));
+    const QList<PreviewEntry> entries = RenameEngine::preview(rules, files);
+    QCOMPARE(entries.size(), files.size());
+    for (qsizetype i = 0; i < files.size(); ++i) {
+        QCOMPARE(entries[i].original, files[i].originalName());
+        QCOMPARE(entries[i].preview, previews[i]);
+        QCOMPARE(entries[i].hasConflict, conflicts[i]);
+    }
 }
 
 QTEST_APPLESS_MAIN(TestPreview)

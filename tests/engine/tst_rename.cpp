@@ -29,6 +29,7 @@ private Q_SLOTS:
     void renamesFolders();
     void renamesANameThatIsNotUtf8();
     void unchangedNameThatIsNotUtf8IsLeftAlone();
+    void leadingByteOrderMarkStaysInTheNewName();
     void invalidNewNamesFailWithTheReason_data();
     void invalidNewNamesFailWithTheReason();
     void failedMoveInTheMiddleStopsNothing();
@@ -200,6 +201,23 @@ void TestRename::unchangedNameThatIsNotUtf8IsLeftAlone()
     QVERIFY(fs::exists(raw.toStdPath()));
     // QTemporaryDir cannot remove a name it cannot decode.
     fs::remove(raw.toStdPath());
+}
+
+void TestRename::leadingByteOrderMarkStaysInTheNewName()
+{
+    const NativePath marked = NativePath::fromText(m_dir->path()) / fs::path(std::string("\xEF\xBB\xBFnote.txt"));
+    {
+        std::ofstream(marked.toStdPath()) << "bytes";
+    }
+    RenameRule upper(RuleType::CaseConversion);
+    upper.caseType = CaseConversionType::Uppercase;
+    const QList<RenameResult> results = RenameEngine::rename(itemsFor({marked}), {upper});
+    QCOMPARE(results.size(), 1);
+    QVERIFY2(results[0].success, qPrintable(results[0].error.value_or(QString())));
+    QCOMPARE(results[0].newURL.fileName().native(), QByteArray("\xEF\xBB\xBFNOTE.txt"));
+    QVERIFY(fs::exists(results[0].newURL.toStdPath()));
+    QVERIFY(!fs::exists(marked.toStdPath()));
+    QVERIFY(!fs::exists((NativePath::fromText(m_dir->path()) / NativePath("NOTE.txt")).toStdPath()));
 }
 
 void TestRename::invalidNewNamesFailWithTheReason_data()

@@ -5,6 +5,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QScopeGuard>
 #include <QSet>
 #include <QTemporaryDir>
 #include <QTest>
@@ -26,6 +27,7 @@ private Q_SLOTS:
     void creationProbesTheFileSystem();
     void itemsForOneUrlAreDistinct();
     void keepsNamesThatAreNotUtf8();
+    void keepsALeadingByteOrderMark();
     void fileUrlsKeepTheirBytes();
     void formatsByteCounts_data();
     void formatsByteCounts();
@@ -119,11 +121,38 @@ void TestFileItem::keepsNamesThatAreNotUtf8()
     std::ofstream(location.toStdPath()) << "x";
     const FileItem item(location);
     QCOMPARE(item.originalName(), u"caf\uFFFD menu.txt"_s);
+    QCOMPARE(item.previewName, u"caf\uFFFD menu.txt"_s);
+    QCOMPARE(item.nameWithoutExtension(), u"caf\uFFFD menu"_s);
+    QCOMPARE(item.escapedName(), u"caf\xDCE9 menu.txt"_s);
+    QCOMPARE(item.url.withFileName(NativePath::fromEscapedText(item.escapedName())), item.url);
     QCOMPARE(item.url.fileName().native(), QByteArray("caf\xe9 menu.txt"));
     QCOMPARE(item.fileSizeString(), u"1 byte"_s);
     QVERIFY(fs::exists(item.url.toStdPath()));
     // QTemporaryDir cannot remove a name it cannot decode.
     fs::remove(location.toStdPath());
+#endif
+}
+
+void TestFileItem::keepsALeadingByteOrderMark()
+{
+#ifdef Q_OS_WIN
+    QSKIP("Windows names are UTF-16");
+#else
+    const NativePath location = fs::path(QFile::encodeName(m_dir.path()).toStdString()) / "\xEF\xBB\xBFnote.txt";
+    std::ofstream(location.toStdPath()) << "x";
+    // QTemporaryDir reads names through a decoder that drops the mark, so it could not remove this one.
+    const auto removeFile = qScopeGuard([&] { fs::remove(location.toStdPath()); });
+    QVERIFY(fs::exists(location.toStdPath()));
+    const FileItem item(location);
+    QCOMPARE(item.originalName(), u"\uFEFFnote.txt"_s);
+    QCOMPARE(item.nameWithoutExtension(), u"\uFEFFnote"_s);
+    QCOMPARE(item.fileExtension(), u"txt"_s);
+    QCOMPARE(item.previewName, u"\uFEFFnote.txt"_s);
+    QCOMPARE(item.escapedName(), u"\uFEFFnote.txt"_s);
+    QCOMPARE(item.url.fileName().native(), QByteArray("\xEF\xBB\xBFnote.txt"));
+    QCOMPARE(item.fileSizeString(), u"1 byte"_s);
+    // Written back from its text, the name is the same name on disk.
+    QCOMPARE(item.url.withFileName(NativePath::fromText(item.originalName())), location);
 #endif
 }
 
