@@ -94,7 +94,8 @@ struct PlannedName
 };
 
 // An unselected file gets no move but keeps its position for the numbering of the files after it; a name no
-// rule changed (compared as text, so a name that is not valid UTF-8 is left alone) gets none either.
+// rule changed gets none either. The rules read the name with its undecodable bytes escaped, so the bytes no
+// rule touched are written back as they were.
 std::vector<PlannedName> planNames(const QList<RenameRule> &rules, const QList<FileItem> &files)
 {
     std::vector<PlannedName> names(std::size_t(files.size()));
@@ -103,13 +104,13 @@ std::vector<PlannedName> planNames(const QList<RenameRule> &rules, const QList<F
         for (qsizetype i = begin; i < end; ++i) {
             if (!files[i].isSelected)
                 continue;
-            const QString original = files[i].originalName();
+            const QString original = files[i].escapedName();
             const QString newName = pipeline.newName(original, i);
             PlannedName &name = names[std::size_t(i)];
             name.isWanted = newName != original;
             if (!name.isWanted)
                 continue;
-            name.newName = NativePath::fromText(newName);
+            name.newName = NativePath::fromEscapedText(newName);
             name.invalidReason = newnamecheck::whyInvalid(newName);
         }
     });

@@ -28,6 +28,7 @@ private Q_SLOTS:
     void sameNameInTwoFoldersRenamesBoth();
     void renamesFolders();
     void renamesANameThatIsNotUtf8();
+    void bytesNoRuleTouchedAreWrittenBack();
     void unchangedNameThatIsNotUtf8IsLeftAlone();
     void leadingByteOrderMarkStaysInTheNewName();
     void invalidNewNamesFailWithTheReason_data();
@@ -188,6 +189,28 @@ void TestRename::renamesANameThatIsNotUtf8()
     QCOMPARE(results[0].originalURL, raw);
     QVERIFY(!fs::exists(raw.toStdPath()));
     QCOMPARE(read(u"cafe 1.txt"_s), u"bytes"_s);
+}
+
+void TestRename::bytesNoRuleTouchedAreWrittenBack()
+{
+    const NativePath raw = NativePath::fromText(m_dir->path()) / fs::path(std::string("caf\xe9.txt"));
+    const NativePath other = NativePath::fromText(m_dir->path()) / fs::path(std::string("caf\xe8.txt"));
+    std::ofstream(raw.toStdPath()) << "e9";
+    std::ofstream(other.toStdPath()) << "e8";
+    RenameRule prefix(RuleType::Insert);
+    prefix.insertText = u"x_"_s;
+    const QList<RenameResult> results = RenameEngine::rename(itemsFor({raw, other}), {prefix});
+    QCOMPARE(results.size(), 2);
+    for (const RenameResult &result : results)
+        QVERIFY2(result.success, qPrintable(result.error.value_or(QString())));
+    // Two names that read alike stay two names, each with its own byte.
+    const fs::path renamed = fs::path(m_dir->path().toStdString()) / std::string("x_caf\xe9.txt");
+    const fs::path renamedOther = fs::path(m_dir->path().toStdString()) / std::string("x_caf\xe8.txt");
+    QVERIFY(fs::exists(renamed));
+    QVERIFY(fs::exists(renamedOther));
+    QCOMPARE(results[0].newURL, NativePath(renamed));
+    fs::remove(renamed);
+    fs::remove(renamedOther);
 }
 
 void TestRename::unchangedNameThatIsNotUtf8IsLeftAlone()
