@@ -9,8 +9,8 @@
 #include <algorithm>
 #include <array>
 #include <cstring>
+#include <filesystem>
 #include <memory>
-#include <numeric>
 #include <optional>
 #include <string>
 #include <type_traits>
@@ -154,12 +154,13 @@ QList<qsizetype> sortedByText(const QList<FileItem> &files, QList<qsizetype> pos
     return sortedByKeys(std::move(positions), keys, std::less<>());
 }
 
-/// The positions sorted by a number read from the file system for each item, largest first.
-template<typename NumberOf>
-QList<qsizetype> sortedByNumberDescending(const QList<FileItem> &files, QList<qsizetype> positions, NumberOf numberOf)
+/// The positions sorted by a value read from the file system for each item, largest first. Each item is read
+/// once, before the sort compares anything.
+template<typename Key, typename KeyOf>
+QList<qsizetype> sortedByKeyDescending(const QList<FileItem> &files, QList<qsizetype> positions, KeyOf keyOf)
 {
-    const auto numbers = keysOf<qint64>(files, positions, [&] { return numberOf; });
-    return sortedByKeys(std::move(positions), numbers, std::greater<>());
+    const auto keys = keysOf<Key>(files, positions, [&] { return keyOf; });
+    return sortedByKeys(std::move(positions), keys, std::greater<>());
 }
 
 QList<qsizetype>
@@ -176,14 +177,16 @@ sortedPositions(const QList<FileItem> &files, QList<qsizetype> positions, AppVie
         // An empty extension sorts first.
         return sortedByText(files, std::move(positions), [](const FileItem &item) { return item.fileExtension(); });
     case AppViewModel::SortOrder::Date:
-        // Newest first; an unreadable date counts as the most distant past.
-        return sortedByNumberDescending(files, std::move(positions), [](const FileItem &item) {
-            const auto date = fileattributes::modificationDate(item.url);
-            return date ? date->toMSecsSinceEpoch() : std::numeric_limits<qint64>::min();
-        });
+        // Newest first, to the finest difference the file system keeps: files saved within one millisecond
+        // still have an order. An unreadable date counts as the most distant past.
+        return sortedByKeyDescending<std::filesystem::file_time_type>(files,
+            std::move(positions),
+            [](const FileItem &item) {
+                return fileattributes::modificationTime(item.url).value_or(std::filesystem::file_time_type::min());
+            });
     case AppViewModel::SortOrder::Size:
         // Largest first; folders and unreadable sizes count as 0.
-        return sortedByNumberDescending(files, std::move(positions), [](const FileItem &item) {
+        return sortedByKeyDescending<qint64>(files, std::move(positions), [](const FileItem &item) {
             return fileattributes::fileSize(item.url).value_or(0);
         });
     }

@@ -10,6 +10,9 @@
 #include <unicode/coll.h>
 #include <unicode/locid.h>
 
+#include <fcntl.h>
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <fstream>
 #include <memory>
@@ -23,6 +26,13 @@ namespace {
 void setModificationTime(const NativePath &path, int secondsAgo)
 {
     fs::last_write_time(path.toStdPath(), fs::file_time_type::clock::now() - std::chrono::seconds(secondsAgo));
+}
+
+/// Sets the modification time to a nanosecond of one fixed second.
+bool setModificationNanosecond(const NativePath &path, long nanoseconds)
+{
+    const timespec times[2] = {{0, UTIME_OMIT}, {1'700'000'000, nanoseconds}};
+    return utimensat(AT_FDCWD, path.c_str(), times, 0) == 0;
 }
 
 } // namespace
@@ -49,6 +59,7 @@ private Q_SLOTS:
     void posixLocaleSortFollowsItsCollation_data();
     void posixLocaleSortFollowsItsCollation();
     void dateSortPutsNewestFirstAndUndatedLast();
+    void dateSortTellsApartTimesWithinOneMillisecond();
     void sizeSortPutsLargestFirstAndFoldersLast();
     void typeSortPutsNoExtensionFirst();
     void sortIsStable();
@@ -306,6 +317,19 @@ void TestFileCollection::dateSortPutsNewestFirstAndUndatedLast()
     // Every sort reads the dates afresh.
     setModificationTime(old, 1);
     QCOMPARE(names(vm.filteredFiles()), (QStringList{u"old.txt"_s, u"recent.txt"_s, u"gone.txt"_s}));
+}
+
+void TestFileCollection::dateSortTellsApartTimesWithinOneMillisecond()
+{
+    TestFiles files;
+    const NativePath earlier = files.file(u"earlier.txt"_s);
+    const NativePath later = files.file(u"later.txt"_s);
+    QVERIFY(setModificationNanosecond(earlier, 500'001'000));
+    QVERIFY(setModificationNanosecond(later, 500'004'000));
+    AppViewModel vm;
+    vm.addFiles({earlier, later});
+    vm.setSortOrder(AppViewModel::SortOrder::Date);
+    QCOMPARE(names(vm.filteredFiles()), (QStringList{u"later.txt"_s, u"earlier.txt"_s}));
 }
 
 void TestFileCollection::sizeSortPutsLargestFirstAndFoldersLast()
