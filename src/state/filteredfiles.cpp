@@ -1,6 +1,7 @@
 #include "engine/parallelchunks.h"
 #include "model/fileattributes.h"
 #include "model/icutext_p.h"
+#include "state/caselesstext_p.h"
 #include "state/filteredfiles_p.h"
 
 #include <unicode/coll.h>
@@ -20,24 +21,22 @@ namespace quillfern {
 
 namespace {
 
-/// Case-insensitive (full case folding), diacritic-sensitive substring test.
+/// Case-insensitive (full case folding), diacritic-sensitive substring test that holds canonically equivalent
+/// texts equal, however each is composed.
 class FoldedSubstring final
 {
 public:
     explicit FoldedSubstring(const QString &needle)
-        : m_needle(folded(needle))
+        : m_needle(caselesstext::caselessForm(needle))
     {
     }
 
-    [[nodiscard]] bool isIn(const QString &haystack) const { return folded(haystack).contains(m_needle); }
+    [[nodiscard]] bool isIn(const QString &haystack) const
+    {
+        return caselesstext::caselessForm(haystack).contains(m_needle);
+    }
 
 private:
-    static QString folded(const QString &text)
-    {
-        icu::UnicodeString unicode = icutext::alias(text);
-        return icutext::toQString(unicode.foldCase());
-    }
-
     QString m_needle;
 };
 

@@ -55,6 +55,8 @@ private Q_SLOTS:
     void bothOnlyFlagsGiveNothing();
     void onlyFlagsFilterByKind();
     void filterIsCaseInsensitiveOnTheFullName();
+    void filterHoldsCanonicallyEquivalentNamesEqual_data();
+    void filterHoldsCanonicallyEquivalentNamesEqual();
     void nameSortIsNotNumeric();
     void posixLocaleSortFollowsItsCollation_data();
     void posixLocaleSortFollowsItsCollation();
@@ -248,6 +250,35 @@ void TestFileCollection::filterIsCaseInsensitiveOnTheFullName()
     QVERIFY(vm.filteredFiles().isEmpty()); // the filter text is not trimmed
     vm.setFilterText(u"straße"_s);
     QCOMPARE(names(vm.filteredFiles()), QStringList{u"STRASSE.md"_s});
+}
+
+void TestFileCollection::filterHoldsCanonicallyEquivalentNamesEqual_data()
+{
+    QTest::addColumn<QString>("filter");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isFound");
+    QTest::newRow("composed capitals find a decomposed name")
+        << u"\u00c9T\u00c9"_s << u"e\u0301te\u0301 photos.txt"_s << true;
+    QTest::newRow("decomposed letters find a composed name in capitals")
+        << u"e\u0301te\u0301"_s << u"\u00c9T\u00c9 photos.txt"_s << true;
+    QTest::newRow("decomposed capitals find a decomposed name")
+        << u"E\u0301TE\u0301"_s << u"e\u0301te\u0301.txt"_s << true;
+    QTest::newRow("composed letters find a composed name in capitals")
+        << u"\u00e9t\u00e9"_s << u"\u00c9T\u00c9.txt"_s << true;
+    QTest::newRow("a letter without its accent finds no decomposed name") << u"cafe"_s << u"cafe\u0301.txt"_s << false;
+    QTest::newRow("a letter without its accent finds no composed name") << u"cafe"_s << u"caf\u00e9.txt"_s << false;
+}
+
+void TestFileCollection::filterHoldsCanonicallyEquivalentNamesEqual()
+{
+    QFETCH(QString, filter);
+    QFETCH(QString, name);
+    QFETCH(bool, isFound);
+    AppViewModel vm;
+    // Names are compared as listed; the file need not exist.
+    vm.addFiles({NativePath::fromText(u"/nonexistent/"_s + name)});
+    vm.setFilterText(filter);
+    QCOMPARE(names(vm.filteredFiles()), isFound ? QStringList{name} : QStringList());
 }
 
 void TestFileCollection::nameSortIsNotNumeric()
