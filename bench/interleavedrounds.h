@@ -46,7 +46,8 @@ inline std::vector<double> interleavedMedians(int rounds, const std::vector<Cont
 
 /// Runs the contenders interleaved and prints one line per contender under the workload's name: its median and
 /// how much less time it takes than the first contender, the general path (negative when it takes more).
-inline void compare(const std::string &workload, int rounds, const std::vector<Contender> &contenders)
+/// Returns the medians.
+inline std::vector<double> compare(const std::string &workload, int rounds, const std::vector<Contender> &contenders)
 {
     const std::vector<double> medians = interleavedMedians(rounds, contenders);
     std::printf("%s (median of %d interleaved rounds)\n", workload.c_str(), rounds);
@@ -57,6 +58,7 @@ inline void compare(const std::string &workload, int rounds, const std::vector<C
         std::printf("\n");
     }
     std::fflush(stdout);
+    return medians;
 }
 
 } // namespace quillfern::bench
