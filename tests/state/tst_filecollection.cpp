@@ -1,6 +1,7 @@
 #include "fakepanelprovider.h"
 #include "model/fileattributes.h"
 #include "state/appviewmodel.h"
+#include "state/filteredfiles_p.h"
 #include "testfiles.h"
 
 #include <QRandomGenerator>
@@ -60,6 +61,8 @@ private Q_SLOTS:
     void nameSortIsNotNumeric();
     void posixLocaleSortFollowsItsCollation_data();
     void posixLocaleSortFollowsItsCollation();
+    void posixLocaleByteOrderIsTheCollationKeyOrder_data();
+    void posixLocaleByteOrderIsTheCollationKeyOrder();
     void dateSortPutsNewestFirstAndUndatedLast();
     void dateSortTellsApartTimesWithinOneMillisecond();
     void sizeSortPutsLargestFirstAndFoldersLast();
@@ -332,6 +335,41 @@ void TestFileCollection::posixLocaleSortFollowsItsCollation()
     AppViewModel vm;
     vm.addFiles(locations);
     QCOMPARE(names(vm.filteredFiles()), expected);
+}
+
+void TestFileCollection::posixLocaleByteOrderIsTheCollationKeyOrder_data()
+{
+    QTest::addColumn<QString>("alphabet");
+    QTest::newRow("printable ASCII, every character but the separator")
+        << u" !\"#$%&'()*+,-.0123456789:;<=>?@ABCDEFGHIJKLMNOPQRSTUVWXYZ[\\]^_`abcdefghijklmnopqrstuvwxyz{|}~"_s;
+    QTest::newRow("letters in both cases and what sorts beside them") << u"aAbBzZ_-. 09~"_s;
+}
+
+void TestFileCollection::posixLocaleByteOrderIsTheCollationKeyOrder()
+{
+    QFETCH(QString, alphabet);
+    const auto setDefaultLocale = [](const char *name) {
+        UErrorCode status = U_ZERO_ERROR;
+        icu::Locale::setDefault(icu::Locale(name), status);
+        return U_SUCCESS(status);
+    };
+    const auto restoreEnglish = qScopeGuard([&] { setDefaultLocale("en_US"); });
+    // Short names from a small alphabet repeat, so the two sorts must also keep equal names in the same order.
+    QRandomGenerator random(11);
+    QList<FileItem> items;
+    for (int count = 0; count < 3000; ++count) {
+        QString name;
+        for (int length = 1 + random.bounded(4); length > 0; --length)
+            name += alphabet[random.bounded(int(alphabet.size()))];
+        items.append(FileItem(NativePath::fromText(u"/nonexistent/"_s + name), false));
+    }
+    const FileListFilter filter;
+    // The C locale's collation under a name that the byte order is not taken for (collators ignore the
+    // calendar): the names are sorted by their collation keys.
+    QVERIFY(setDefaultLocale("en_US_POSIX@calendar=gregorian"));
+    const QList<qsizetype> byCollationKeys = filter.positions(items);
+    QVERIFY(setDefaultLocale("en_US_POSIX"));
+    QCOMPARE(filter.positions(items), byCollationKeys);
 }
 
 void TestFileCollection::dateSortPutsNewestFirstAndUndatedLast()
