@@ -50,7 +50,7 @@ void compareOn(const QString &workload, const QList<FileItem> &items, int rounds
 {
     const QString needle = u"zzz"_s;
     qsizetype found = 0;
-    (void)bench::compare(workload.toStdString(),
+    bench::compare(workload.toStdString(),
         rounds,
         {
             {"ICU, every name",

@@ -56,7 +56,7 @@ void compareOn(int count, int rounds)
     if (filter.positions(items) != byCollation)
         std::printf("  the two orders differ\n");
     qsizetype sorted = 0;
-    (void)bench::compare("sort " + std::to_string(count) + " ASCII names by name",
+    bench::compare("sort " + std::to_string(count) + " ASCII names by name",
         rounds,
         {
             {"collation keys",
