@@ -3,8 +3,9 @@
 turn (the order reversed every other round), so a machine whose speed drifts affects all commands alike. Prints
 each command's median and its ratio to the first command's.
 
-Usage: bench/interleaved.py FOLDER_PARENT COUNT ROUNDS NAME=COMMAND...
+Usage: bench/interleaved.py [--read-only] FOLDER_PARENT COUNT ROUNDS NAME=COMMAND...
   {folder} in a command stands for the folder of COUNT files (file_000001.txt ...), made in FOLDER_PARENT.
+  --read-only makes the files once, for commands that only read them (previews).
 Example: bench/interleaved.py /var/tmp 10000 30 \\
     "loop=build/release/bench/bench_renameloop {folder} _x" \\
     "cli=build/release/src/cli/quillfern-cli rename --yes --do 'append _x' --recursive {folder}" \\
@@ -27,16 +28,23 @@ def make_files(folder, count):
 
 
 def main():
-    if len(sys.argv) < 5:
+    arguments = sys.argv[1:]
+    read_only = arguments[:1] == ["--read-only"]
+    if read_only:
+        arguments = arguments[1:]
+    if len(arguments) < 4:
         sys.exit(__doc__)
-    parent, count, rounds = sys.argv[1], int(sys.argv[2]), int(sys.argv[3])
-    commands = [argument.split("=", 1) for argument in sys.argv[4:]]
+    parent, count, rounds = arguments[0], int(arguments[1]), int(arguments[2])
+    commands = [argument.split("=", 1) for argument in arguments[3:]]
     folder = os.path.join(parent, "quillfern-interleaved")
     times = {name: [] for name, _ in commands}
     try:
+        if read_only:
+            make_files(folder, count)
         for round_number in range(rounds):
             for name, command in commands if round_number % 2 == 0 else reversed(commands):
-                make_files(folder, count)
+                if not read_only:
+                    make_files(folder, count)
                 start = time.perf_counter()
                 subprocess.run(command.replace("{folder}", folder), shell=True, stdout=subprocess.DEVNULL)
                 times[name].append(time.perf_counter() - start)

@@ -22,7 +22,20 @@ function(quillfern_core_library name folder)
     target_link_libraries(${name} PUBLIC quillfern_options ${ARGN})
 endfunction()
 
+# The user folders every test sees unless it sets its own: a safety net, so that no test reads or writes the
+# real home's data, settings, caches or runtime files. The runtime folder must be private to its owner.
+set(QUILLFERN_TEST_HOME ${PROJECT_BINARY_DIR}/test-home)
+set(quillfern_test_user_folders
+    XDG_DATA_HOME=${QUILLFERN_TEST_HOME}/data
+    XDG_CONFIG_HOME=${QUILLFERN_TEST_HOME}/config
+    XDG_CACHE_HOME=${QUILLFERN_TEST_HOME}/cache
+    XDG_STATE_HOME=${QUILLFERN_TEST_HOME}/state
+    XDG_RUNTIME_DIR=${QUILLFERN_TEST_HOME}/runtime)
+file(MAKE_DIRECTORY ${QUILLFERN_TEST_HOME}/runtime)
+file(CHMOD ${QUILLFERN_TEST_HOME}/runtime DIRECTORY_PERMISSIONS OWNER_READ OWNER_WRITE OWNER_EXECUTE)
+
 # quillfern_tests(folder LINKS...): one Qt Test executable and one ctest test per tst_*.cpp in tests/<folder>.
+# A test finds its data with QFINDTESTDATA, which looks beside its source file.
 function(quillfern_tests folder)
     file(GLOB test_sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tst_*.cpp)
     foreach(source IN LISTS test_sources)
@@ -31,7 +44,7 @@ function(quillfern_tests folder)
         target_link_libraries(${test_name} PRIVATE quillfern_options Qt6::Test ${ARGN})
         add_test(NAME ${folder}/${test_name} COMMAND ${test_name})
         set_tests_properties(${folder}/${test_name} PROPERTIES
-            ENVIRONMENT "QT_QPA_PLATFORM=offscreen;QUILLFERN_FIXTURES=${PROJECT_SOURCE_DIR}/../shared/fixtures"
+            ENVIRONMENT "QT_QPA_PLATFORM=offscreen;${quillfern_test_user_folders}"
             TIMEOUT 300)
     endforeach()
 endfunction()

@@ -12,7 +12,6 @@
 #include "presets/preset.h"
 #include "state/filteredfiles_p.h"
 #include "state/folderenumerator_p.h"
-#include "state/itemcollector_p.h"
 #include "state/panelprovider.h"
 
 #include <QCoreApplication>
@@ -176,10 +175,10 @@ void AppViewModel::addFiles(const QList<NativePath> &locations)
     for (const FileItem &item : std::as_const(m_files))
         existing.insert(item.url);
 
-    ItemCollector collector;
+    QList<FileItem> added;
     const auto addIfNew = [&](NativePath location, bool isDirectory) {
         if (!existing.contains(location))
-            collector.add(std::move(location), isDirectory);
+            added.emplaceBack(std::move(location), isDirectory);
     };
     for (const NativePath &given : locations) {
         const NativePath location = given.withoutTrailingSeparator();
@@ -189,7 +188,6 @@ void AppViewModel::addFiles(const QList<NativePath> &locations)
         else
             addIfNew(location, isDirectory);
     }
-    QList<FileItem> added = collector.take();
     if (!added.isEmpty()) {
         if (m_files.isEmpty()) {
             setFiles(std::move(added));

@@ -68,7 +68,7 @@ QList<Preset> presetsInFile(const QString &path)
 
 QByteArray foreignFileBytes()
 {
-    return readBytes(qEnvironmentVariable("QUILLFERN_FIXTURES") + u"/presets-foreign.json"_s);
+    return readBytes(QFINDTESTDATA("data/presets-foreign.json"));
 }
 
 QDateTime utc(const QString &isoText)
@@ -205,6 +205,7 @@ void TestPresetManager::unusableFileIsKeptAsBackupAndReplaced_data()
     QTest::addColumn<QByteArray>("original");
 
     const QByteArray foreign = foreignFileBytes();
+    QVERIFY(!foreign.isEmpty());
     // The last rule of the file loses its final key; every other preset and rule stays valid.
     QByteArray oneBadRule = foreign;
     oneBadRule.replace(foreign.lastIndexOf(R"(,"trimWhitespace")"), QByteArray(R"(,"trimWhitespace":true)").size(), "");

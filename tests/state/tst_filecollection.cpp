@@ -1,6 +1,7 @@
 #include "fakepanelprovider.h"
 #include "model/fileattributes.h"
 #include "state/appviewmodel.h"
+#include "state/filteredfiles_p.h"
 #include "testfiles.h"
 
 #include <QRandomGenerator>
@@ -9,6 +10,9 @@
 
 #include <unicode/coll.h>
 #include <unicode/locid.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 #include <algorithm>
 #include <fstream>
@@ -23,6 +27,13 @@ namespace {
 void setModificationTime(const NativePath &path, int secondsAgo)
 {
     fs::last_write_time(path.toStdPath(), fs::file_time_type::clock::now() - std::chrono::seconds(secondsAgo));
+}
+
+/// Sets the modification time to a nanosecond of one fixed second.
+bool setModificationNanosecond(const NativePath &path, long nanoseconds)
+{
+    const timespec times[2] = {{0, UTIME_OMIT}, {1'700'000'000, nanoseconds}};
+    return utimensat(AT_FDCWD, path.c_str(), times, 0) == 0;
 }
 
 } // namespace
@@ -45,10 +56,15 @@ private Q_SLOTS:
     void bothOnlyFlagsGiveNothing();
     void onlyFlagsFilterByKind();
     void filterIsCaseInsensitiveOnTheFullName();
+    void filterHoldsCanonicallyEquivalentNamesEqual_data();
+    void filterHoldsCanonicallyEquivalentNamesEqual();
     void nameSortIsNotNumeric();
     void posixLocaleSortFollowsItsCollation_data();
     void posixLocaleSortFollowsItsCollation();
+    void posixLocaleByteOrderIsTheCollationKeyOrder_data();
+    void posixLocaleByteOrderIsTheCollationKeyOrder();
     void dateSortPutsNewestFirstAndUndatedLast();
+    void dateSortTellsApartTimesWithinOneMillisecond();
     void sizeSortPutsLargestFirstAndFoldersLast();
     void typeSortPutsNoExtensionFirst();
     void sortIsStable();
@@ -239,6 +255,35 @@ void TestFileCollection::filterIsCaseInsensitiveOnTheFullName()
     QCOMPARE(names(vm.filteredFiles()), QStringList{u"STRASSE.md"_s});
 }
 
+void TestFileCollection::filterHoldsCanonicallyEquivalentNamesEqual_data()
+{
+    QTest::addColumn<QString>("filter");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("isFound");
+    QTest::newRow("composed capitals find a decomposed name")
+        << u"\u00c9T\u00c9"_s << u"e\u0301te\u0301 photos.txt"_s << true;
+    QTest::newRow("decomposed letters find a composed name in capitals")
+        << u"e\u0301te\u0301"_s << u"\u00c9T\u00c9 photos.txt"_s << true;
+    QTest::newRow("decomposed capitals find a decomposed name")
+        << u"E\u0301TE\u0301"_s << u"e\u0301te\u0301.txt"_s << true;
+    QTest::newRow("composed letters find a composed name in capitals")
+        << u"\u00e9t\u00e9"_s << u"\u00c9T\u00c9.txt"_s << true;
+    QTest::newRow("a letter without its accent finds no decomposed name") << u"cafe"_s << u"cafe\u0301.txt"_s << false;
+    QTest::newRow("a letter without its accent finds no composed name") << u"cafe"_s << u"caf\u00e9.txt"_s << false;
+}
+
+void TestFileCollection::filterHoldsCanonicallyEquivalentNamesEqual()
+{
+    QFETCH(QString, filter);
+    QFETCH(QString, name);
+    QFETCH(bool, isFound);
+    AppViewModel vm;
+    // Names are compared as listed; the file need not exist.
+    vm.addFiles({NativePath::fromText(u"/nonexistent/"_s + name)});
+    vm.setFilterText(filter);
+    QCOMPARE(names(vm.filteredFiles()), isFound ? QStringList{name} : QStringList());
+}
+
 void TestFileCollection::nameSortIsNotNumeric()
 {
     TestFiles files;
@@ -292,6 +337,41 @@ void TestFileCollection::posixLocaleSortFollowsItsCollation()
     QCOMPARE(names(vm.filteredFiles()), expected);
 }
 
+void TestFileCollection::posixLocaleByteOrderIsTheCollationKeyOrder_data()
+{
+    QTest::addColumn<QString>("alphabet");
+    QTest::newRow("printable ASCII, every character but the separator")
+        << u" !\"#$%&'()*+,-.0123456789:;<=>?@ABCDEFGHIJKLMNOPQRSTUVWXYZ[\\]^_`abcdefghijklmnopqrstuvwxyz{|}~"_s;
+    QTest::newRow("letters in both cases and what sorts beside them") << u"aAbBzZ_-. 09~"_s;
+}
+
+void TestFileCollection::posixLocaleByteOrderIsTheCollationKeyOrder()
+{
+    QFETCH(QString, alphabet);
+    const auto setDefaultLocale = [](const char *name) {
+        UErrorCode status = U_ZERO_ERROR;
+        icu::Locale::setDefault(icu::Locale(name), status);
+        return U_SUCCESS(status);
+    };
+    const auto restoreEnglish = qScopeGuard([&] { setDefaultLocale("en_US"); });
+    // Short names from a small alphabet repeat, so the two sorts must also keep equal names in the same order.
+    QRandomGenerator random(11);
+    QList<FileItem> items;
+    for (int count = 0; count < 3000; ++count) {
+        QString name;
+        for (int length = 1 + random.bounded(4); length > 0; --length)
+            name += alphabet[random.bounded(int(alphabet.size()))];
+        items.append(FileItem(NativePath::fromText(u"/nonexistent/"_s + name), false));
+    }
+    const FileListFilter filter;
+    // The C locale's collation under a name that the byte order is not taken for (collators ignore the
+    // calendar): the names are sorted by their collation keys.
+    QVERIFY(setDefaultLocale("en_US_POSIX@calendar=gregorian"));
+    const QList<qsizetype> byCollationKeys = filter.positions(items);
+    QVERIFY(setDefaultLocale("en_US_POSIX"));
+    QCOMPARE(filter.positions(items), byCollationKeys);
+}
+
 void TestFileCollection::dateSortPutsNewestFirstAndUndatedLast()
 {
     TestFiles files;
@@ -306,6 +386,19 @@ void TestFileCollection::dateSortPutsNewestFirstAndUndatedLast()
     // Every sort reads the dates afresh.
     setModificationTime(old, 1);
     QCOMPARE(names(vm.filteredFiles()), (QStringList{u"old.txt"_s, u"recent.txt"_s, u"gone.txt"_s}));
+}
+
+void TestFileCollection::dateSortTellsApartTimesWithinOneMillisecond()
+{
+    TestFiles files;
+    const NativePath earlier = files.file(u"earlier.txt"_s);
+    const NativePath later = files.file(u"later.txt"_s);
+    QVERIFY(setModificationNanosecond(earlier, 500'001'000));
+    QVERIFY(setModificationNanosecond(later, 500'004'000));
+    AppViewModel vm;
+    vm.addFiles({earlier, later});
+    vm.setSortOrder(AppViewModel::SortOrder::Date);
+    QCOMPARE(names(vm.filteredFiles()), (QStringList{u"later.txt"_s, u"earlier.txt"_s}));
 }
 
 void TestFileCollection::sizeSortPutsLargestFirstAndFoldersLast()
