@@ -1,8 +1,8 @@
 // Weighs the move primitive's kept folder (renames named relative to the folder opened once per batch) against
 // moving by whole paths, in interleaved rounds. Each round renames 10,000 files of one folder and back again.
 // Run on a Release build: bench_keptfolder [rounds]   (default 30; folders under /dev/shm and /var/tmp)
-#include "engine/systemfilemover.h"
 #include "engine/posixmove_p.h"
+#include "engine/systemfilemover.h"
 #include "interleavedrounds.h"
 
 #include <QDir>
@@ -68,7 +68,10 @@ int main(int argc, char **argv)
         const Names names = makeFiles(folder.path());
         bench::compare(std::string("rename 10,000 files and back in ") + parent,
             rounds,
-            {{"whole paths", [&] { moveByPaths(names.from, names.to), moveByPaths(names.to, names.from); }},
+            {{"whole paths",
+                 [&] {
+                     moveByPaths(names.from, names.to), moveByPaths(names.to, names.from);
+                 }},
                 {"kept folder", [&] {
                      moveInKeptFolder(names.from, names.to);
                      moveInKeptFolder(names.to, names.from);

@@ -295,7 +295,9 @@ int CliTool::runRename()
     std::optional<ResultLineWriter> lines;
     if (!m_options.json)
         lines.emplace(stdout);
-    const auto writeLine = [&](const RenameResult &result) { lines->write(result); };
+    const auto writeLine = [&](const RenameResult &result) {
+        lines->write(result);
+    };
     // What the preview shows, in its order, is what is renamed: the filtered, sorted list with its numbering.
     const QList<RenameResult> results = RenameEngine::rename(vm.filteredFiles(),
         *rules,

@@ -169,9 +169,9 @@ int HistoryCommands::runUndo()
         }
     }
     if (!chosen) {
-        return fail(m_options.words.isEmpty() ? u"there is no batch to undo"_s
-                                              : u"there is no batch '%1'; 'quillfern-cli history' lists them"_s.arg(
-                                                    m_options.words.front()));
+        return fail(m_options.words.isEmpty()
+                ? u"there is no batch to undo"_s
+                : u"there is no batch '%1'; 'quillfern-cli history' lists them"_s.arg(m_options.words.front()));
     }
     const BatchRecord &record = chosen->record;
     if (record.state == BatchRecord::State::Unfinished)
@@ -220,8 +220,9 @@ int HistoryCommands::runRecover()
         const auto record = BatchJournal::read(path, error);
         if (!record)
             return fail(u"cannot read the journal %1: %2"_s.arg(path, error));
-        m_out << "Batch " << record->id << " of " << localTime(record->createdAt) << " was interrupted: "
-              << counted(record->moves.size(), u"file"_s) << " in " << folderText(*record) << ".\n"
+        m_out << "Batch " << record->id << " of " << localTime(record->createdAt)
+              << " was interrupted: " << counted(record->moves.size(), u"file"_s) << " in " << folderText(*record)
+              << ".\n"
               << Qt::flush;
         bool toFinish = m_options.finish;
         if (!m_options.finish && !m_options.revert) {
@@ -244,9 +245,8 @@ int HistoryCommands::runRecover()
             }
         }
         m_out << counted(plan.inPlace, u"file"_s) << " already in place.\n";
-        const int batchStatus = runMoves(plan.requests,
-            toFinish ? BatchRecord::Kind::Finish : BatchRecord::Kind::Revert,
-            record->id);
+        const int batchStatus =
+            runMoves(plan.requests, toFinish ? BatchRecord::Kind::Finish : BatchRecord::Kind::Revert, record->id);
         if (batchStatus > 1)
             return batchStatus;
         status = std::max(status, batchStatus);
@@ -262,8 +262,8 @@ void HistoryCommands::warnAboutInterrupted()
         const auto record = BatchJournal::read(path, error);
         if (!record)
             continue;
-        m_err << "quillfern-cli: batch " << record->id << " of " << localTime(record->createdAt)
-              << " was interrupted (" << counted(record->moves.size(), u"file"_s) << " in " << folderText(*record)
+        m_err << "quillfern-cli: batch " << record->id << " of " << localTime(record->createdAt) << " was interrupted ("
+              << counted(record->moves.size(), u"file"_s) << " in " << folderText(*record)
               << "); run 'quillfern-cli recover' to finish or revert it.\n";
     }
     m_err.flush();

@@ -89,9 +89,8 @@ QString PreviewPrinter::table(const QList<PreviewEntry> &previews, const QList<Q
     return text + summary(previews, failures) + u'\n';
 }
 
-QString PreviewPrinter::json(const QList<PreviewEntry> &previews,
-    const QList<FileItem> &files,
-    const QList<QString> &failures)
+QString
+PreviewPrinter::json(const QList<PreviewEntry> &previews, const QList<FileItem> &files, const QList<QString> &failures)
 {
     Q_ASSERT(previews.size() == files.size() && previews.size() == failures.size());
     QJsonArray array;

@@ -65,8 +65,7 @@ QStringList BatchHistory::journalPaths() const
 
 QString BatchHistory::journalOf(const QString &batchId) const
 {
-    const QStringList matches =
-        QDir(m_folder).entryList({u"*-"_s + batchId + u".journal"_s}, QDir::Files, QDir::Name);
+    const QStringList matches = QDir(m_folder).entryList({u"*-"_s + batchId + u".journal"_s}, QDir::Files, QDir::Name);
     return matches.size() == 1 ? QDir(m_folder).filePath(matches.front()) : QString();
 }
 

@@ -27,9 +27,8 @@ public:
     /// missing, and makes it durable with one data sync of the file and one of the folder. The journal stays
     /// locked until it is destroyed, which tells a running batch from an interrupted one. None, with `error`
     /// set, when the journal cannot be written: the batch must not start then.
-    [[nodiscard]] static std::unique_ptr<BatchJournal> begin(const QString &folder,
-        const BatchRecord &record,
-        QString &error);
+    [[nodiscard]] static std::unique_ptr<BatchJournal>
+    begin(const QString &folder, const BatchRecord &record, QString &error);
 
     /// Records the state the batch ended in and every outcome that was not a protected success. Not synced: a
     /// lost end only makes the batch look interrupted, and recovery then finds each item where it is.
@@ -43,7 +42,8 @@ public:
     /// The record in the journal at `path`; none, with `error` set, when it cannot be read or is not a journal.
     /// A journal whose plan was never completely written yields a record with no plan line read: `isPlanned`
     /// false, and nothing of it was moved.
-    [[nodiscard]] static std::optional<BatchRecord> read(const QString &path, QString &error, bool *isPlanned = nullptr);
+    [[nodiscard]] static std::optional<BatchRecord>
+    read(const QString &path, QString &error, bool *isPlanned = nullptr);
 
     /// Whether a running batch holds the journal.
     [[nodiscard]] static bool isInUse(const QString &path);

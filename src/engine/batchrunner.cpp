@@ -74,8 +74,8 @@ BatchRecord BatchRunner::planRecord(const QList<MoveRequest> &requests) const
         const NativePath folder = request.source.parent();
         const auto [index, isNew] = folderIndex.try_emplace(folder, record.folders.size());
         if (isNew) {
-            record.folders.append(
-                {absoluteFolder(folder), m_mover.identity(folder.isEmpty() ? NativePath(".") : folder).value_or(ItemIdentity{})});
+            record.folders.append({absoluteFolder(folder),
+                m_mover.identity(folder.isEmpty() ? NativePath(".") : folder).value_or(ItemIdentity{})});
         }
         // An item that cannot be read now is recorded without identity; its own move will say why.
         record.moves.append(BatchRecord::Move{index->second,

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "engine/batchrecord.h"
+#include "engine/moveerror.h"
 #include "engine/moveoutcome.h"
 #include "engine/moveplan.h"
-#include "engine/moveerror.h"
 #include "engine/moverequest.h"
 
 #include <QList>

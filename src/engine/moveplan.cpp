@@ -1,6 +1,5 @@
 #include "engine/moveplan.h"
 
-
 #include <algorithm>
 #include <numeric>
 
@@ -158,7 +157,9 @@ private:
 class PlanWriter final
 {
 public:
-    PlanWriter(const WaitGraph &graph, qsizetype requestCount, std::vector<MovePlan::Step> &steps,
+    PlanWriter(const WaitGraph &graph,
+        qsizetype requestCount,
+        std::vector<MovePlan::Step> &steps,
         std::vector<MovePlan::Unit> &units)
         : m_graph(graph)
         , m_isPlanned(std::size_t(requestCount), false)

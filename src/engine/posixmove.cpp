@@ -104,8 +104,8 @@ std::optional<MoveError> moveOntoClaim(Location from, Location to, bool isFolder
             || now.st_ino != claim.st_ino || now.st_size != 0))
         return moveerrors::destinationExists(NativePath(to.name));
     if (renameat(from.folder, from.name, to.folder, to.name) != 0) {
-        const auto error = errno == ENOTEMPTY || errno == EEXIST ? moveerrors::destinationExists(NativePath(to.name))
-                                                                 : lastError(to);
+        const auto error =
+            errno == ENOTEMPTY || errno == EEXIST ? moveerrors::destinationExists(NativePath(to.name)) : lastError(to);
         dropClaim(to, claim, isFolder);
         return error;
     }

@@ -10,7 +10,6 @@
 #include "model/movedlocations.h"
 #include "model/nativepath.h"
 
-
 #include <algorithm>
 #include <vector>
 
@@ -203,8 +202,10 @@ QList<RenameResult> RenameEngine::rename(const QList<FileItem> &files,
     MovedLocations moved;
     if (outcomes) {
         for (std::size_t request = 0; request < outcomes->size(); ++request) {
-            if ((*outcomes)[request].state == MoveOutcome::State::Moved && files[batch.fileOfRequest[request]].isDirectory)
-                moved.record(batch.requests[qsizetype(request)].source, batch.requests[qsizetype(request)].destination());
+            if ((*outcomes)[request].state == MoveOutcome::State::Moved
+                && files[batch.fileOfRequest[request]].isDirectory)
+                moved.record(batch.requests[qsizetype(request)].source,
+                    batch.requests[qsizetype(request)].destination());
         }
     }
     QList<RenameResult> results;

@@ -25,10 +25,8 @@ public:
     /// The new base name of `name` after every enabled rule, in list order. `index` is the file's 0-based
     /// position in its batch (for numbering); `extension` is not used by any rule. A negative remove count or
     /// position, or a numbering that overflows 64 bits, is a fatal precondition: it prints why and aborts.
-    [[nodiscard]] static QString applyRules(const QList<RenameRule> &rules,
-                                            const QString &name,
-                                            qint64 index,
-                                            const QString &extension);
+    [[nodiscard]] static QString
+    applyRules(const QList<RenameRule> &rules, const QString &name, qint64 index, const QString &extension);
 
     /// The message the fatal precondition check would print when the rules are applied to files 0 to
     /// fileCount - 1 in order (a negative remove count or position, a numbering overflow); empty when none.
@@ -45,24 +43,22 @@ public:
     /// batch is journaled in the standard history folder first.
     [[nodiscard]] static QList<RenameResult> rename(const QList<FileItem> &files, const QList<RenameRule> &rules);
     /// The same with the given move primitive and no journal.
-    [[nodiscard]] static QList<RenameResult> rename(const QList<FileItem> &files,
-                                                    const QList<RenameRule> &rules,
-                                                    FileMover &mover);
+    [[nodiscard]] static QList<RenameResult>
+    rename(const QList<FileItem> &files, const QList<RenameRule> &rules, FileMover &mover);
     /// The same through a runner set up by the caller (journal, stop flag); `onResult` is called with each
     /// result as soon as its move is done, in the order of the moves. When the runner cannot start (its journal
     /// cannot be written) every result is a failure with the runner's error and nothing is moved.
     [[nodiscard]] static QList<RenameResult> rename(const QList<FileItem> &files,
-                                                    const QList<RenameRule> &rules,
-                                                    BatchRunner &runner,
-                                                    const std::function<void(const RenameResult &)> &onResult = {});
+        const QList<RenameRule> &rules,
+        BatchRunner &runner,
+        const std::function<void(const RenameResult &)> &onResult = {});
 
     /// Why the rename of each file would fail, worked out on the disk as it is now without moving anything: an
     /// invalid new name, a destination occupied by something that does not move away in the batch, or a
     /// destination an earlier file of the batch takes. One text per file, empty for a file whose rename would
     /// succeed or that would not be renamed at all.
-    [[nodiscard]] static QList<QString> forecast(const QList<FileItem> &files,
-                                                 const QList<RenameRule> &rules,
-                                                 FileMover &disk);
+    [[nodiscard]] static QList<QString>
+    forecast(const QList<FileItem> &files, const QList<RenameRule> &rules, FileMover &disk);
 };
 
 } // namespace quillfern

@@ -64,7 +64,9 @@ std::optional<ItemIdentity> SystemFileMover::identity(const NativePath &path)
     CloseHandle(handle);
     if (!isRead)
         return std::nullopt;
-    const auto join = [](DWORD high, DWORD low) { return (quint64(high) << 32) | low; };
+    const auto join = [](DWORD high, DWORD low) {
+        return (quint64(high) << 32) | low;
+    };
     // FILETIME counts 100 ns steps from 1601; the identity only compares times, so the epoch does not matter.
     return ItemIdentity{information.dwVolumeSerialNumber,
         join(information.nFileIndexHigh, information.nFileIndexLow),
@@ -100,7 +102,8 @@ std::optional<MoveError> SystemFileMover::move(const NativePath &from, const Nat
     std::optional<MoveError> error;
     const int descriptor = isInOneFolder ? descriptorOf(folder) : -1;
     if (descriptor >= 0) {
-        error = posixmove::move({descriptor, from.c_str() + nameOffset}, {descriptor, to.c_str() + nameOffset}, protection);
+        error =
+            posixmove::move({descriptor, from.c_str() + nameOffset}, {descriptor, to.c_str() + nameOffset}, protection);
     } else {
         // The item moved by its whole path could be the kept folder itself.
         closeOpenFolder();

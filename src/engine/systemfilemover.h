@@ -20,7 +20,8 @@ public:
     [[nodiscard]] bool isSameItem(const NativePath &first, const NativePath &second) override;
     [[nodiscard]] bool exists(const NativePath &path) override;
     [[nodiscard]] std::optional<ItemIdentity> identity(const NativePath &path) override;
-    [[nodiscard]] std::optional<MoveError> removeSecondName(const NativePath &name, const NativePath &otherName) override;
+    [[nodiscard]] std::optional<MoveError> removeSecondName(const NativePath &name,
+        const NativePath &otherName) override;
     void finishBatch() override;
     [[nodiscard]] bool lastMoveWasUnprotected() const override { return m_lastMoveWasUnprotected; }
 

@@ -132,8 +132,11 @@ void TestCliHistory::shiftedNumbersAllSucceed()
     const CliRun renamed = run({u"rename"_s, u"--yes"_s, u"--rules"_s, rules, u"--recursive"_s, u"."_s});
     QCOMPARE(renamed.exitCode, 0);
     QVERIFY2(renamed.out.endsWith(u"5 renamed, 0 failed\n"_s), qPrintable(renamed.out));
-    const QMap<QString, QByteArray> after{
-        {u"2.txt"_s, "1"}, {u"3.txt"_s, "2"}, {u"4.txt"_s, "3"}, {u"5.txt"_s, "4"}, {u"6.txt"_s, "5"}};
+    const QMap<QString, QByteArray> after{{u"2.txt"_s, "1"},
+        {u"3.txt"_s, "2"},
+        {u"4.txt"_s, "3"},
+        {u"5.txt"_s, "4"},
+        {u"6.txt"_s, "5"}};
     QCOMPARE(contents(), after);
 }
 
@@ -163,7 +166,9 @@ void TestCliHistory::historyListsAndUndoRestores()
     file(u"a.txt"_s, "a");
     file(u"b.txt"_s, "b");
     QCOMPARE(run({u"history"_s}).out, u"No batches yet.\n"_s);
-    QCOMPARE(run({u"rename"_s, u"--yes"_s, u"--rules"_s, writeRules({prefix(u"x_"_s)}), u"--recursive"_s, u"."_s}).exitCode, 0);
+    QCOMPARE(
+        run({u"rename"_s, u"--yes"_s, u"--rules"_s, writeRules({prefix(u"x_"_s)}), u"--recursive"_s, u"."_s}).exitCode,
+        0);
     QCOMPARE(contents().keys(), (QStringList{u"x_a.txt"_s, u"x_b.txt"_s}));
 
     const QJsonArray history = QJsonDocument::fromJson(run({u"history"_s, u"--json"_s}).outBytes).array();
@@ -199,7 +204,9 @@ void TestCliHistory::undoSkipsAFileEditedSince()
 {
     file(u"a.txt"_s, "a");
     file(u"b.txt"_s, "b");
-    QCOMPARE(run({u"rename"_s, u"--yes"_s, u"--rules"_s, writeRules({prefix(u"x_"_s)}), u"--recursive"_s, u"."_s}).exitCode, 0);
+    QCOMPARE(
+        run({u"rename"_s, u"--yes"_s, u"--rules"_s, writeRules({prefix(u"x_"_s)}), u"--recursive"_s, u"."_s}).exitCode,
+        0);
     file(u"x_b.txt"_s, "b, edited");
     const CliRun undone = run({u"undo"_s, u"--yes"_s});
     QCOMPARE(undone.exitCode, 1);
@@ -281,7 +288,9 @@ void TestCliHistory::interruptStopsAfterTheMoveInFlight()
     for (int i = 0; i < count; ++i)
         file(u"f%1"_s.arg(i), "x");
     const int status = renameInterruptedBy(
-        {u"rename"_s, u"--yes"_s, u"--rules"_s, writeRules({prefix(u"g_"_s)}), u"--recursive"_s, u"."_s}, SIGINT, 0);
+        {u"rename"_s, u"--yes"_s, u"--rules"_s, writeRules({prefix(u"g_"_s)}), u"--recursive"_s, u"."_s},
+        SIGINT,
+        0);
     QCOMPARE(status, 130);
     const QJsonArray history = QJsonDocument::fromJson(run({u"history"_s, u"--json"_s}).outBytes).array();
     QCOMPARE(history.size(), 1);

@@ -3,14 +3,16 @@
 #include "engine/batchrecovery.h"
 #include "engine/batchrunner.h"
 #include "engine/systemfilemover.h"
+#include "testfolder.h"
 
 #include <QDir>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
 
-#include <cstdio>
 #include <unistd.h>
+
+#include <cstdio>
 
 using namespace quillfern;
 using namespace Qt::StringLiterals;
@@ -33,8 +35,8 @@ private Q_SLOTS:
     void interruptedJournalsAreFoundButNotRunningOnes();
 
 private:
-    void create(const QStringList &names);
-    [[nodiscard]] QString listing() const;
+    void create(const QString &listing) const { m_dir->create(listing); }
+    [[nodiscard]] QString listing() const { return m_dir->listing(); }
     [[nodiscard]] QList<MoveRequest> requestsFrom(const QList<std::pair<QString, QString>> &pairs) const;
     /// Runs the batch, letting only the first `moves` moves happen as if the process were killed then, and
     /// returns the journal it left.
@@ -42,7 +44,7 @@ private:
     /// Runs the recovery's plan as its own batch.
     void runPlan(const BatchRecovery::Plan &plan);
 
-    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<TestFolder> m_dir;
     std::unique_ptr<QTemporaryDir> m_history;
 };
 
@@ -50,8 +52,7 @@ namespace {
 
 /// Thrown by the mover below to end a batch as a killed process would: nothing after it runs.
 struct Killed
-{
-};
+{};
 
 /// Moves on the real disk until its budget is spent, then "dies".
 class DyingMover final : public FileMover
@@ -83,52 +84,16 @@ private:
 
 void TestBatchRecovery::init()
 {
-    m_dir = std::make_unique<QTemporaryDir>();
+    m_dir = std::make_unique<TestFolder>();
     m_history = std::make_unique<QTemporaryDir>();
     QVERIFY(m_dir->isValid() && m_history->isValid());
-}
-
-void TestBatchRecovery::create(const QStringList &names)
-{
-    for (const QString &name : names) {
-        if (name.endsWith(u'/')) {
-            QVERIFY(QDir(m_dir->path()).mkpath(name));
-            continue;
-        }
-        QFile file(m_dir->filePath(name));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(name.toUtf8());
-    }
-}
-
-QString TestBatchRecovery::listing() const
-{
-    QStringList entries;
-    QList<QString> pending{QString()};
-    while (!pending.isEmpty()) {
-        const QString folder = pending.takeFirst();
-        for (const QFileInfo &info : QDir(m_dir->filePath(folder)).entryInfoList(QDir::AllEntries | QDir::Hidden
-                 | QDir::NoDotAndDotDot)) {
-            const QString relative = folder + info.fileName();
-            if (info.isDir()) {
-                entries.append(relative + u'/');
-                pending.append(relative + u'/');
-                continue;
-            }
-            QFile file(info.filePath());
-            const QString content = file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : u"(unreadable)"_s;
-            entries.append(relative + u'=' + content);
-        }
-    }
-    entries.sort();
-    return entries.join(u' ');
 }
 
 QList<MoveRequest> TestBatchRecovery::requestsFrom(const QList<std::pair<QString, QString>> &pairs) const
 {
     QList<MoveRequest> requests;
     for (const auto &[from, to] : pairs)
-        requests.append({NativePath::fromText(m_dir->filePath(from)), NativePath::fromText(to)});
+        requests.append({NativePath::fromText(m_dir->path(from)), NativePath::fromText(to)});
     return requests;
 }
 
@@ -172,13 +137,19 @@ void TestBatchRecovery::interruptedAnywhereFinishesAndReverts()
 {
     QFETCH(bool, finish);
     // A rotation of three, a swap, a chain and a case-only rename: cut after every possible move.
-    const QList<std::pair<QString, QString>> pairs{{u"a"_s, u"b"_s}, {u"b"_s, u"c"_s}, {u"c"_s, u"a"_s},
-        {u"x"_s, u"y"_s}, {u"y"_s, u"x"_s}, {u"1"_s, u"2"_s}, {u"2"_s, u"3"_s}, {u"Up"_s, u"up"_s}};
+    const QList<std::pair<QString, QString>> pairs{{u"a"_s, u"b"_s},
+        {u"b"_s, u"c"_s},
+        {u"c"_s, u"a"_s},
+        {u"x"_s, u"y"_s},
+        {u"y"_s, u"x"_s},
+        {u"1"_s, u"2"_s},
+        {u"2"_s, u"3"_s},
+        {u"Up"_s, u"up"_s}};
     const QString before = u"1=1 2=2 Up=Up a=a b=b c=c x=x y=y"_s;
     const QString after = u"2=1 3=2 a=c b=a c=b up=Up x=y y=x"_s;
     for (int cut = 0; cut <= 11; ++cut) {
         init();
-        create({u"a"_s, u"b"_s, u"c"_s, u"x"_s, u"y"_s, u"1"_s, u"2"_s, u"Up"_s});
+        create(u"a b c x y 1 2 Up"_s);
         const BatchRecord record = interruptedBatch(requestsFrom(pairs), cut);
         SystemFileMover mover;
         BatchRecovery recovery(record, mover);
@@ -186,7 +157,8 @@ void TestBatchRecovery::interruptedAnywhereFinishesAndReverts()
         for (const QString &skipped : plan.skipped)
             QVERIFY2(skipped.isEmpty(), qPrintable(skipped));
         runPlan(plan);
-        QVERIFY2(listing() == (finish ? after : before), qPrintable(u"cut after %1 moves: %2"_s.arg(cut).arg(listing())));
+        QVERIFY2(listing() == (finish ? after : before),
+            qPrintable(u"cut after %1 moves: %2"_s.arg(cut).arg(listing())));
     }
 }
 
@@ -200,11 +172,11 @@ void TestBatchRecovery::anItemLeftUnderBothNamesKeepsOne_data()
 void TestBatchRecovery::anItemLeftUnderBothNamesKeepsOne()
 {
     QFETCH(bool, finish);
-    create({u"old"_s});
+    create(u"old"_s);
     const BatchRecord record = interruptedBatch(requestsFrom({{u"old"_s, u"new"_s}}), 0);
     // A link-and-unlink move killed between its two steps.
-    QCOMPARE(link(QFile::encodeName(m_dir->filePath(u"old"_s)).constData(),
-                 QFile::encodeName(m_dir->filePath(u"new"_s)).constData()),
+    QCOMPARE(link(QFile::encodeName(m_dir->path(u"old"_s)).constData(),
+                 QFile::encodeName(m_dir->path(u"new"_s)).constData()),
         0);
     SystemFileMover mover;
     BatchRecovery recovery(record, mover);
@@ -216,7 +188,7 @@ void TestBatchRecovery::anItemLeftUnderBothNamesKeepsOne()
 
 void TestBatchRecovery::undoGivesBackTheOldNames()
 {
-    create({u"a"_s, u"b"_s, u"c"_s, u"taken"_s});
+    create(u"a b c taken"_s);
     SystemFileMover mover;
     BatchRunner runner(mover);
     runner.setHistoryFolder(m_history->path());
@@ -235,23 +207,25 @@ void TestBatchRecovery::undoGivesBackTheOldNames()
 
 void TestBatchRecovery::undoSkipsWhatChangedSince()
 {
-    create({u"edited"_s, u"replaced"_s, u"moved"_s, u"kept"_s});
+    create(u"edited replaced moved kept"_s);
     SystemFileMover mover;
     BatchRunner runner(mover);
     runner.setHistoryFolder(m_history->path());
-    QVERIFY(runner.run(requestsFrom({{u"edited"_s, u"edited2"_s}, {u"replaced"_s, u"replaced2"_s},
-        {u"moved"_s, u"moved2"_s}, {u"kept"_s, u"kept2"_s}})));
+    QVERIFY(runner.run(requestsFrom({{u"edited"_s, u"edited2"_s},
+        {u"replaced"_s, u"replaced2"_s},
+        {u"moved"_s, u"moved2"_s},
+        {u"kept"_s, u"kept2"_s}})));
     {
-        QFile edited(m_dir->filePath(u"edited2"_s));
+        QFile edited(m_dir->path(u"edited2"_s));
         QVERIFY(edited.open(QIODevice::Append));
         edited.write(" and more");
     }
     // Saved over by a program that writes a new file and renames it over the old one.
-    create({u"replacement"_s});
-    QCOMPARE(::rename(QFile::encodeName(m_dir->filePath(u"replacement"_s)).constData(),
-                 QFile::encodeName(m_dir->filePath(u"replaced2"_s)).constData()),
+    create(u"replacement"_s);
+    QCOMPARE(::rename(QFile::encodeName(m_dir->path(u"replacement"_s)).constData(),
+                 QFile::encodeName(m_dir->path(u"replaced2"_s)).constData()),
         0);
-    QVERIFY(QFile::rename(m_dir->filePath(u"moved2"_s), m_dir->filePath(u"elsewhere"_s)));
+    QVERIFY(QFile::rename(m_dir->path(u"moved2"_s), m_dir->path(u"elsewhere"_s)));
 
     QString error;
     const auto record = BatchJournal::read(BatchHistory(m_history->path()).journalOf(runner.batchId()), error);
@@ -268,7 +242,7 @@ void TestBatchRecovery::undoSkipsWhatChangedSince()
 
 void TestBatchRecovery::undoOfAFolderAndItsContents()
 {
-    create({u"d/"_s, u"d/x"_s});
+    create(u"d/ d/x"_s);
     SystemFileMover mover;
     BatchRunner runner(mover);
     runner.setHistoryFolder(m_history->path());
@@ -296,7 +270,8 @@ void TestBatchRecovery::historyKeepsTheLastHundredOrThirtyDays()
     for (const char *name : {"20200101-000000000-unfinished.journal", "20200101-000000000-torn.journal"}) {
         QFile file(history.filePath(QString::fromLatin1(name)));
         QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(QByteArray(name).contains("torn") ? "quillfern-journal\t1\nmove\t0" : "quillfern-journal\t1\nplanned\n");
+        file.write(
+            QByteArray(name).contains("torn") ? "quillfern-journal\t1\nmove\t0" : "quillfern-journal\t1\nplanned\n");
     }
     BatchHistory(m_history->path()).prune(now);
     const QStringList kept = history.entryList({u"*.journal"_s});
@@ -307,7 +282,7 @@ void TestBatchRecovery::historyKeepsTheLastHundredOrThirtyDays()
 
 void TestBatchRecovery::interruptedJournalsAreFoundButNotRunningOnes()
 {
-    create({u"a"_s, u"b"_s});
+    create(u"a b"_s);
     const BatchRecord interrupted = interruptedBatch(requestsFrom({{u"a"_s, u"c"_s}}), 0);
     const BatchHistory history(m_history->path());
     QCOMPARE(history.interruptedJournals(), QStringList{history.journalOf(interrupted.id)});

@@ -3,6 +3,7 @@
 #include "engine/renameengine.h"
 #include "engine/systemfilemover.h"
 #include "fakefilemover.h"
+#include "testfolder.h"
 
 #include <QDir>
 #include <QFile>
@@ -38,16 +39,12 @@ private Q_SLOTS:
     void forecastOfRulesNamesInvalidNames();
 
 private:
-    /// Makes the files and folders of a listing like "a b d/ d/x" under the temporary folder, each file
-    /// holding its own relative path.
-    void create(const QString &listing);
+    void create(const QString &listing) const { m_dir->create(listing); }
     [[nodiscard]] QList<MoveRequest> requestsFrom(const QString &text) const;
-    [[nodiscard]] QString path(const QString &relative) const { return m_dir->filePath(relative); }
-    [[nodiscard]] QString contentOf(const QString &relative) const;
-    /// The names in the temporary folder, sorted, folders with a trailing slash and their contents after them.
-    [[nodiscard]] QString listing() const;
+    [[nodiscard]] QString path(const QString &relative) const { return m_dir->path(relative); }
+    [[nodiscard]] QString listing() const { return m_dir->listing(); }
 
-    std::unique_ptr<QTemporaryDir> m_dir;
+    std::unique_ptr<TestFolder> m_dir;
     QTemporaryDir m_stateHome;
 };
 
@@ -60,21 +57,8 @@ void TestBatchRunner::initTestCase()
 
 void TestBatchRunner::init()
 {
-    m_dir = std::make_unique<QTemporaryDir>();
+    m_dir = std::make_unique<TestFolder>();
     QVERIFY(m_dir->isValid());
-}
-
-void TestBatchRunner::create(const QString &listing)
-{
-    for (const QString &entry : listing.split(u' ', Qt::SkipEmptyParts)) {
-        if (entry.endsWith(u'/')) {
-            QVERIFY(QDir(m_dir->path()).mkpath(entry));
-            continue;
-        }
-        QFile file(path(entry));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(entry.toUtf8());
-    }
 }
 
 QList<MoveRequest> TestBatchRunner::requestsFrom(const QString &text) const
@@ -85,34 +69,6 @@ QList<MoveRequest> TestBatchRunner::requestsFrom(const QString &text) const
         requests.append({NativePath::fromText(path(names[0])), NativePath::fromText(names[1])});
     }
     return requests;
-}
-
-QString TestBatchRunner::contentOf(const QString &relative) const
-{
-    QFile file(path(relative));
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : u"(missing)"_s;
-}
-
-QString TestBatchRunner::listing() const
-{
-    QStringList entries;
-    const QDir root(m_dir->path());
-    QList<QString> pending{QString()};
-    while (!pending.isEmpty()) {
-        const QString folder = pending.takeFirst();
-        const QDir dir(root.filePath(folder));
-        for (const QFileInfo &info : dir.entryInfoList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot)) {
-            const QString relative = folder + info.fileName();
-            if (info.isDir()) {
-                entries.append(relative + u'/');
-                pending.append(relative + u'/');
-            } else {
-                entries.append(relative + u'=' + contentOf(relative));
-            }
-        }
-    }
-    entries.sort();
-    return entries.join(u' ');
 }
 
 void TestBatchRunner::everyFileGetsItsNewNameWithItsContent_data()
@@ -128,8 +84,7 @@ void TestBatchRunner::everyFileGetsItsNewNameWithItsContent_data()
     QTest::newRow("a case-only rename") << u"Photo.JPG"_s << u"Photo.JPG>photo.jpg"_s << u"photo.jpg=Photo.JPG"_s;
     QTest::newRow("folders in a chain keep their contents")
         << u"d1/ d1/x d2/ d2/y"_s << u"d1>d2 d2>d3"_s << u"d2/ d2/x=d1/x d3/ d3/y=d2/y"_s;
-    QTest::newRow("a folder renamed with its own contents")
-        << u"d/ d/x"_s << u"d>e d/x>y"_s << u"e/ e/y=d/x"_s;
+    QTest::newRow("a folder renamed with its own contents") << u"d/ d/x"_s << u"d>e d/x>y"_s << u"e/ e/y=d/x"_s;
     QTest::newRow("swapped folders with swapped contents")
         << u"p/ p/1 p/2 q/ q/1"_s << u"p>q q>p p/1>2 p/2>1"_s << u"p/ p/1=q/1 q/ q/1=p/2 q/2=p/1"_s;
 }
@@ -141,7 +96,8 @@ void TestBatchRunner::everyFileGetsItsNewNameWithItsContent()
     QFETCH(QString, after);
     create(files);
     SystemFileMover mover;
-    const std::vector<MoveOutcome> outcomes = BatchRunner(mover).run(requestsFrom(requests), MovePlan::make(requestsFrom(requests)));
+    const std::vector<MoveOutcome> outcomes =
+        BatchRunner(mover).run(requestsFrom(requests), MovePlan::make(requestsFrom(requests)));
     for (const MoveOutcome &outcome : outcomes)
         QVERIFY2(outcome.state == MoveOutcome::State::Moved, qPrintable(outcome.error));
     QCOMPARE(listing(), after);

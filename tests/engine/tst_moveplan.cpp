@@ -63,8 +63,7 @@ void TestMovePlan::ordersMoves_data()
     QTest::addColumn<QString>("plan");
 
     QTest::newRow("independent moves keep the list order") << u"a>x b>y c>z"_s << u"a>x | b>y | c>z"_s;
-    QTest::newRow("a chain listed from its head moves its free end first")
-        << u"1>2 2>3 3>4"_s << u"3>4 | 2>3 | 1>2"_s;
+    QTest::newRow("a chain listed from its head moves its free end first") << u"1>2 2>3 3>4"_s << u"3>4 | 2>3 | 1>2"_s;
     QTest::newRow("a chain listed from its free end keeps that order") << u"3>4 2>3 1>2"_s << u"3>4 | 2>3 | 1>2"_s;
     QTest::newRow("a swap takes three moves in one unit") << u"a>b b>a"_s << u"a>~ b>a ~>b"_s;
     QTest::newRow("a rotation of three takes four moves") << u"a>b b>c c>a"_s << u"a>~ c>a b>c ~>b"_s;
@@ -96,7 +95,8 @@ void TestMovePlan::everyRequestIsPlannedOnce()
         std::shuffle(order.begin(), order.end(), std::mt19937(round));
         QList<MoveRequest> requests;
         for (int i = 0; i < 500; ++i)
-            requests.append({NativePath::fromText(u"/f/%1"_s.arg(i)), NativePath::fromText(u"%1"_s.arg(order[std::size_t(i)]))});
+            requests.append(
+                {NativePath::fromText(u"/f/%1"_s.arg(i)), NativePath::fromText(u"%1"_s.arg(order[std::size_t(i)]))});
         // A file already at its name is no request.
         requests.removeIf([](const MoveRequest &request) { return request.source.fileName() == request.newName; });
         const MovePlan plan = MovePlan::make(requests);
@@ -119,8 +119,8 @@ void TestMovePlan::everyRequestIsPlannedOnce()
             const MoveRequest &request = requests[step.request];
             const QString from = step.kind == MovePlan::Step::Kind::FromTemporary ? u"~%1"_s.arg(step.request)
                                                                                   : request.source.fileNameText();
-            const QString to = step.kind == MovePlan::Step::Kind::ToTemporary ? u"~%1"_s.arg(step.request)
-                                                                              : request.newName.toText();
+            const QString to =
+                step.kind == MovePlan::Step::Kind::ToTemporary ? u"~%1"_s.arg(step.request) : request.newName.toText();
             QVERIFY2(present.contains(from), qPrintable(from));
             QVERIFY2(!present.contains(to), qPrintable(to));
             present.remove(from);
