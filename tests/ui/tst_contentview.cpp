@@ -7,11 +7,14 @@
 #include "ui/renameresultview.h"
 #include "uitesthelpers.h"
 
+#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFileSystemModel>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
+#include <QProxyStyle>
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QSplitter>
@@ -55,6 +58,48 @@ public:
     std::optional<ItemIdentity> identity(const NativePath &) override { return std::nullopt; }
 };
 
+/// A desktop whose item views open an item with a single click, as Plasma's do by default.
+class ClickOpensItemsStyle final : public QProxyStyle
+{
+public:
+    ClickOpensItemsStyle()
+        : QProxyStyle(u"Fusion"_s)
+    {
+    }
+
+    int styleHint(StyleHint hint,
+        const QStyleOption *option,
+        const QWidget *widget,
+        QStyleHintReturn *returnData) const override
+    {
+        if (hint == SH_ItemView_ActivateItemOnSingleClick)
+            return 1;
+        return QProxyStyle::styleHint(hint, option, widget, returnData);
+    }
+};
+
+/// Shows `folder` in the open panel and clicks the items named `names` in its visible view, the first alone and
+/// the others with Ctrl held, as a user picks several items.
+void clickInPanel(QFileDialog *dialog, const QString &folder, const QStringList &names)
+{
+    dialog->setDirectory(folder);
+    // The dialog lists a folder in the background; click once the listing is there.
+    auto *listing = dialog->findChild<QFileSystemModel *>();
+    QVERIFY(listing);
+    QTRY_COMPARE(listing->rowCount(listing->index(folder)), int(QDir(folder).count()) - 2);
+    QAbstractItemView *view = dialog->findChild<QListView *>(u"listView"_s);
+    if (!view->isVisible())
+        view = dialog->findChild<QAbstractItemView *>(u"treeView"_s);
+    QVERIFY(view && view->isVisible());
+    Qt::KeyboardModifiers modifiers;
+    for (const QString &name : names) {
+        const QRect item = view->visualRect(listing->index(QDir(folder).filePath(name)));
+        QVERIFY(!item.isEmpty());
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, item.center());
+        modifiers = Qt::ControlModifier;
+    }
+}
+
 QString labelText(const QWidget *parent, const QString &objectName)
 {
     const auto *label = parent->findChild<QLabel *>(objectName);
@@ -90,7 +135,9 @@ private Q_SLOTS:
     void confirmingRenamesAndShowsSuccess();
     void failuresAreListedInTheResultSheet();
     void overlayCoversTheWindowWhileRenaming();
-    void importButtonAddsChosenFilesAndFolders();
+    void importPanelAddsClickedFilesAndFolders_data();
+    void importPanelAddsClickedFilesAndFolders();
+    void importPanelReopensWhereTheLastImportWas();
     void screenshots_data();
     void screenshots();
 
@@ -108,10 +155,12 @@ private:
 
 void TestContentView::initTestCase()
 {
-    // The preset store writes its file under the data home: keep it out of the real one.
+    // The preset store writes its file under the data home, Qt's file dialog its state under the configuration
+    // home: keep both out of the real ones.
     m_dataHome = std::make_unique<QTemporaryDir>();
     QVERIFY(m_dataHome->isValid());
-    qputenv("XDG_DATA_HOME", m_dataHome->path().toUtf8());
+    qputenv("XDG_DATA_HOME", m_dataHome->filePath(u"data"_s).toUtf8());
+    qputenv("XDG_CONFIG_HOME", m_dataHome->filePath(u"config"_s).toUtf8());
 }
 
 void TestContentView::init()
@@ -524,10 +573,39 @@ void TestContentView::overlayCoversTheWindowWhileRenaming()
     QTRY_VERIFY(uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s));
 }
 
-void TestContentView::importButtonAddsChosenFilesAndFolders()
+void TestContentView::importPanelAddsClickedFilesAndFolders_data()
 {
+    QTest::addColumn<QFileDialog::ViewMode>("viewMode");
+    QTest::addColumn<bool>("clickOpensItems");
+    QTest::addColumn<QStringList>("clicked");
+    QTest::newRow("a folder clicked in the detail view is added")
+        << QFileDialog::Detail << false << QStringList{u"folder"_s};
+    QTest::newRow("a file and a folder clicked together are both added")
+        << QFileDialog::Detail << false << QStringList{u"a.txt"_s, u"folder"_s};
+    QTest::newRow("a folder clicked in the list view is added")
+        << QFileDialog::List << false << QStringList{u"folder"_s};
+    QTest::newRow("where a click opens items, a clicked folder is added, not entered")
+        << QFileDialog::Detail << true << QStringList{u"folder"_s};
+    QTest::newRow("where a click opens items, a folder and a file clicked together are both added")
+        << QFileDialog::List << true << QStringList{u"folder"_s, u"a.txt"_s};
+}
+
+void TestContentView::importPanelAddsClickedFilesAndFolders()
+{
+    QFETCH(QFileDialog::ViewMode, viewMode);
+    QFETCH(bool, clickOpensItems);
+    QFETCH(QStringList, clicked);
+    const QString originalStyle = QApplication::style()->name();
+    const QPalette originalPalette = QApplication::palette();
+    const auto restoreStyle = qScopeGuard([&] {
+        QApplication::setStyle(originalStyle);
+        QApplication::setPalette(originalPalette);
+    });
+    if (clickOpensItems)
+        QApplication::setStyle(new ClickOpensItemsStyle);
     uitest::createFiles(*m_files, {u"a.txt"_s, u"b.txt"_s});
     QVERIFY(QDir(m_files->path()).mkdir(u"folder"_s));
+
     bool wasAnswered = false;
     uitest::answerWhenShown<QFileDialog>(QString(DialogPanelProvider::openPanelName), [&](QFileDialog *dialog) {
         const auto closeOnExit = qScopeGuard([dialog] {
@@ -535,18 +613,13 @@ void TestContentView::importButtonAddsChosenFilesAndFolders()
                 dialog->reject();
         });
         QCOMPARE(dialog->windowTitle(), u"Add Files & Folders"_s);
-        dialog->setDirectory(m_files->path());
-        // The dialog lists a folder in the background; choose once the listing is there.
-        auto *listing = dialog->findChild<QFileSystemModel *>();
-        QVERIFY(listing);
-        QTRY_COMPARE(listing->rowCount(listing->index(m_files->path())), 3);
-        // Select a file and a folder in the list, as a user does with Ctrl and a click.
-        auto *list = dialog->findChild<QListView *>(u"listView"_s);
-        QVERIFY(list);
-        for (const QString &name : {u"a.txt"_s, u"folder"_s})
-            list->selectionModel()->select(listing->index(m_files->filePath(name)),
-                QItemSelectionModel::Select | QItemSelectionModel::Rows);
-        QMetaObject::invokeMethod(dialog, "accept");
+        dialog->setViewMode(viewMode);
+        clickInPanel(dialog, m_files->path(), clicked);
+        // The name field lists every chosen item, folders too.
+        const QString names = dialog->findChild<QLineEdit *>(u"fileNameEdit"_s)->text();
+        for (const QString &name : std::as_const(clicked))
+            QVERIFY2(names.contains(name), qPrintable(names));
+        QTest::mouseClick(dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open), Qt::LeftButton);
         wasAnswered = dialog->result() == QDialog::Accepted;
     });
     QTest::mouseClick(m_view->findChild<QPushButton *>(u"topBarImportButton"_s), Qt::LeftButton);
@@ -555,8 +628,55 @@ void TestContentView::importButtonAddsChosenFilesAndFolders()
     QStringList names;
     for (const FileItem &item : m_vm->files())
         names.append(item.originalName());
-    QCOMPARE(names, (QStringList{u"a.txt"_s, u"folder"_s}));
-    QVERIFY(m_vm->files().at(1).isDirectory);
+    names.sort();
+    clicked.sort();
+    QCOMPARE(names, clicked);
+    for (const FileItem &item : m_vm->files())
+        QCOMPARE(item.isDirectory, item.originalName() == u"folder"_s);
+}
+
+void TestContentView::importPanelReopensWhereTheLastImportWas()
+{
+    QTemporaryDir first;
+    QTemporaryDir second;
+    uitest::createFiles(first, {u"a.txt"_s});
+    uitest::createFiles(second, {u"b.txt"_s});
+    auto *importButton = m_view->findChild<QPushButton *>(u"topBarImportButton"_s);
+    QString shownAt;
+    const auto answer = [&](const std::function<void(QFileDialog *)> &act) {
+        shownAt.clear();
+        uitest::answerWhenShown<QFileDialog>(QString(DialogPanelProvider::openPanelName),
+            [&, act](QFileDialog *dialog) {
+                const auto closeOnExit = qScopeGuard([dialog] {
+                    if (dialog->isVisible())
+                        dialog->reject();
+                });
+                shownAt = dialog->directory().absolutePath();
+                act(dialog);
+            });
+        QTest::mouseClick(importButton, Qt::LeftButton);
+    };
+    const auto open = [](QFileDialog *dialog) {
+        QTest::mouseClick(dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open), Qt::LeftButton);
+    };
+
+    answer([&](QFileDialog *dialog) {
+        clickInPanel(dialog, first.path(), {u"a.txt"_s});
+        open(dialog);
+    });
+    QCOMPARE(m_vm->files().size(), 1);
+    // Browsing elsewhere and cancelling does not move the place the panel opens in.
+    answer([&](QFileDialog *dialog) { clickInPanel(dialog, second.path(), {u"b.txt"_s}); });
+    QCOMPARE(shownAt, QDir(first.path()).absolutePath());
+    QCOMPARE(m_vm->files().size(), 1);
+    answer([&](QFileDialog *dialog) {
+        clickInPanel(dialog, second.path(), {u"b.txt"_s});
+        open(dialog);
+    });
+    QCOMPARE(shownAt, QDir(first.path()).absolutePath());
+    QCOMPARE(m_vm->files().size(), 2);
+    answer([](QFileDialog *) {});
+    QCOMPARE(shownAt, QDir(second.path()).absolutePath());
 }
 
 void TestContentView::screenshots_data()
@@ -580,6 +700,14 @@ void TestContentView::screenshots()
     const QString suffix = isDark ? u"-dark"_s : u"-light"_s;
 
     uitest::saveScreenshot(m_view.get(), u"window-empty"_s + suffix);
+    uitest::createFiles(*m_files, {u"notes.txt"_s});
+    QVERIFY(QDir(m_files->path()).mkdir(u"Holiday Photos"_s));
+    uitest::answerWhenShown<QFileDialog>(QString(DialogPanelProvider::openPanelName), [&](QFileDialog *dialog) {
+        const auto closeOnExit = qScopeGuard([dialog] { dialog->reject(); });
+        clickInPanel(dialog, m_files->path(), {u"Holiday Photos"_s, u"notes.txt"_s});
+        uitest::saveScreenshot(dialog, u"import-folder-selected"_s + suffix);
+    });
+    QTest::mouseClick(m_view->findChild<QPushButton *>(u"topBarImportButton"_s), Qt::LeftButton);
     m_vm->addFiles(uitest::createFiles(*m_files,
         {u"holiday photo.jpg"_s,
             u"holiday photo.png"_s,

@@ -69,10 +69,12 @@ private:
 
 void TestMenus::initTestCase()
 {
-    // The preset store writes its file under the data home: keep it out of the real one.
+    // The preset store writes its file under the data home, Qt's file dialogs their state under the configuration
+    // home: keep both out of the real ones.
     m_dataHome = std::make_unique<QTemporaryDir>();
     QVERIFY(m_dataHome->isValid());
-    qputenv("XDG_DATA_HOME", m_dataHome->path().toUtf8());
+    qputenv("XDG_DATA_HOME", m_dataHome->filePath(u"data"_s).toUtf8());
+    qputenv("XDG_CONFIG_HOME", m_dataHome->filePath(u"config"_s).toUtf8());
 }
 
 void TestMenus::init()
