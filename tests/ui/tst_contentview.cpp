@@ -565,6 +565,21 @@ void TestContentView::overlayCoversTheWindowWhileRenaming()
     QCOMPARE(m_view->childAt(m_view->findChild<QWidget *>(u"undoButton"_s)->mapTo(m_view.get(), QPoint(4, 4))),
         overlay);
 
+    // Whatever appears in the window meanwhile stays under the overlay: a widget added beside the content, and
+    // the drop zone of a list emptied by the state object.
+    auto *latecomer = new QLabel(u"latecomer"_s, m_view.get());
+    latecomer->setGeometry(m_view->rect());
+    latecomer->show();
+    m_vm->clearFiles();
+    QTest::qWait(0);
+    for (const QPoint &point :
+        {m_view->rect().center(), QPoint(10, 10), m_view->rect().bottomRight() - QPoint(10, 10)}) {
+        QWidget *top = m_view->childAt(point);
+        QVERIFY(top == overlay || overlay->isAncestorOf(top));
+    }
+    uitest::saveScreenshot(m_view.get(), u"window-renaming-emptied"_s);
+    delete latecomer;
+
     mover->release();
     QTRY_VERIFY(!m_vm->isRenaming());
     QVERIFY(!overlay->isVisible());
