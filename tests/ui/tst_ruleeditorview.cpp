@@ -20,6 +20,7 @@
 #include <QTest>
 #include <QToolButton>
 
+#include <algorithm>
 #include <memory>
 
 using namespace quillfern;
@@ -96,6 +97,8 @@ private Q_SLOTS:
     void dismissEmptiesSuggestionsAndKeepsCommand();
     void escapeDismissesSuggestions();
     void applyAllAppendsSuggestionsInOrder();
+    void parsingAgainLaysOutTheNewSuggestions_data();
+    void parsingAgainLaysOutTheNewSuggestions();
     void confidenceShowsWholePercent_data();
     void confidenceShowsWholePercent();
     void savePresetStoresCurrentRules();
@@ -596,6 +599,54 @@ void TestRuleEditorView::applyAllAppendsSuggestionsInOrder()
     QVERIFY(child(u"naturalLanguageField"_s)->hasFocus());
 }
 
+void TestRuleEditorView::parsingAgainLaysOutTheNewSuggestions_data()
+{
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("second");
+    QTest::newRow("one suggestion, then two") << u"replace a with b"_s << u"clean up and add today's date"_s;
+    QTest::newRow("two suggestions, then one") << u"clean up and add today's date"_s << u"replace a with b"_s;
+    QTest::newRow("the same command twice") << u"clean up and add today's date"_s << u"clean up and add today's date"_s;
+}
+
+void TestRuleEditorView::parsingAgainLaysOutTheNewSuggestions()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, second);
+    showPane();
+    submitCommand(first);
+    QVERIFY(child(u"nlSuggestions"_s)->isVisible());
+    auto *field = child<QLineEdit>(u"naturalLanguageField"_s);
+    field->selectAll();
+    submitCommand(second);
+    QCOMPARE(field->text(), second);
+    QApplication::processEvents();
+
+    QWidget *card = child(u"nlSuggestions"_s);
+    QVERIFY(card->isVisible());
+    // The card is as tall as its content and sits above the command bar.
+    QCOMPARE(card->height(), card->heightForWidth(card->width()));
+    QVERIFY(card->geometry().bottom() < child(u"naturalLanguageBar"_s)->mapTo(m_view.get(), QPoint(0, 0)).y());
+    for (const QString &name : {u"applyAllButton"_s, u"dismissButton"_s}) {
+        auto *button = child<QPushButton>(name);
+        QVERIFY2(button->height() >= button->sizeHint().height(), qPrintable(name));
+        QVERIFY(card->rect().contains(button->geometry()));
+    }
+    // One row per suggestion, each under the one before and all above the buttons.
+    QList<QWidget *> rows;
+    for (QWidget *row : card->findChildren<QWidget *>(u"suggestionRow"_s)) {
+        if (row->isVisibleTo(card))
+            rows.append(row);
+    }
+    QCOMPARE(rows.size(), m_vm->nlSuggestions().size());
+    std::sort(rows.begin(), rows.end(), [](const QWidget *a, const QWidget *b) { return a->y() < b->y(); });
+    for (qsizetype index = 0; index < rows.size(); ++index) {
+        QVERIFY(rows.at(index)->height() >= rows.at(index)->minimumSizeHint().height());
+        if (index > 0)
+            QVERIFY(rows.at(index)->geometry().top() > rows.at(index - 1)->geometry().bottom());
+        QVERIFY(rows.at(index)->geometry().bottom() < child(u"applyAllButton"_s)->geometry().top());
+    }
+}
+
 void TestRuleEditorView::confidenceShowsWholePercent_data()
 {
     QTest::addColumn<double>("confidence");
@@ -803,6 +854,12 @@ void TestRuleEditorView::screenshots()
             submitCommand(u"clean up and add today's date"_s);
             QApplication::processEvents();
             uitest::saveScreenshot(m_view.get(), u"suggestions"_s + size + suffix);
+            child<QLineEdit>(u"naturalLanguageField"_s)->selectAll();
+            submitCommand(u"replace IMG with Photo"_s);
+            child<QLineEdit>(u"naturalLanguageField"_s)->selectAll();
+            submitCommand(u"clean up and add today's date"_s);
+            QApplication::processEvents();
+            uitest::saveScreenshot(m_view.get(), u"suggestions-parsed-twice"_s + size + suffix);
             m_vm->setNlSuggestions({});
         }
         QTest::mouseClick(child(u"savePresetButton"_s), Qt::LeftButton);
