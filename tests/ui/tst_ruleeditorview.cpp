@@ -1,5 +1,6 @@
 #include "presets/presetmanager.h"
 #include "state/appviewmodel.h"
+#include "ui/elidinglabel.h"
 #include "ui/nlsuggestionsview.h"
 #include "ui/panelabel.h"
 #include "ui/ruleeditorview.h"
@@ -15,6 +16,7 @@
 #include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -109,6 +111,8 @@ private Q_SLOTS:
     void loadSheetListsPresetsWithRuleCounts();
     void loadReplacesRulesAndClosesSheet();
     void cancellingLoadChangesNothing();
+    void loadSheetShowsEveryLoadButtonBesideALongName_data();
+    void loadSheetShowsEveryLoadButtonBesideALongName();
     void everyEditorFitsTheNarrowestPane();
     void screenshots();
 
@@ -810,6 +814,51 @@ void TestRuleEditorView::cancellingLoadChangesNothing()
     QCOMPARE(m_vm->rules(), rulesBefore);
 }
 
+void TestRuleEditorView::loadSheetShowsEveryLoadButtonBesideALongName_data()
+{
+    QTest::addColumn<int>("windowWidth");
+    QTest::addColumn<bool>("isCut");
+    QTest::newRow("a wide window shows the whole name") << 1200 << false;
+    QTest::newRow("a narrow window cuts the name, whole in its tooltip") << 480 << true;
+}
+
+void TestRuleEditorView::loadSheetShowsEveryLoadButtonBesideALongName()
+{
+    QFETCH(int, windowWidth);
+    QFETCH(bool, isCut);
+    const QString longName = u"Holiday photos from the long summer trip to the northern lakes, by day and place"_s;
+    QCOMPARE(longName.size(), 80);
+    m_presetManager->save(Preset(longName, {RenameRule(RuleType::Trim)}));
+    showPane(windowWidth);
+    QTest::mouseClick(child(u"loadPresetButton"_s), Qt::LeftButton);
+    auto *sheet = uitest::visibleTopLevel<QDialog>(u"loadPresetSheet"_s);
+    QVERIFY(sheet);
+    uitest::saveScreenshot(sheet, u"load-sheet-long-name-"_s + QString::number(windowWidth));
+
+    // The sheet stays within the window, and every row's Load button shows whole in its list.
+    QVERIFY(sheet->width() <= windowWidth);
+    QVERIFY(sheet->height() <= m_view->height());
+    const QWidget *list = sheet->findChild<QScrollArea *>(u"presetScrollArea"_s)->viewport();
+    const QList<QPushButton *> buttons = sheet->findChildren<QPushButton *>(u"loadButton"_s);
+    QCOMPARE(buttons.size(), m_presetManager->presets().size());
+    for (const QPushButton *button : buttons) {
+        QVERIFY(button->isVisible());
+        QVERIFY2(list->rect().contains(QRect(button->mapTo(list, QPoint(0, 0)), button->size())),
+            qPrintable(button->accessibleName()));
+    }
+    const QList<ElidingLabel *> names = sheet->findChildren<ElidingLabel *>(u"presetName"_s);
+    const auto named = std::find_if(names.cbegin(), names.cend(), [&](const ElidingLabel *label) {
+        return label->text() == longName;
+    });
+    QVERIFY(named != names.cend());
+    QCOMPARE((*named)->isElided(), isCut);
+    QCOMPARE((*named)->toolTip(), longName);
+
+    QTest::mouseClick(buttons.constLast(), Qt::LeftButton);
+    QCOMPARE(m_vm->rules().size(), 1);
+    QVERIFY(!sheet->isVisible());
+}
+
 void TestRuleEditorView::everyEditorFitsTheNarrowestPane()
 {
     constexpr auto everyKind = allCases<RuleType>();
@@ -866,6 +915,8 @@ void TestRuleEditorView::screenshots()
         auto *saveSheet = uitest::visibleTopLevel<QDialog>(u"savePresetSheet"_s);
         uitest::saveScreenshot(saveSheet, u"save-sheet"_s + suffix);
         saveSheet->reject();
+        m_presetManager->save(
+            Preset(u"Holiday photos from the long summer trip to the northern lakes, by day and place"_s, {}));
         QTest::mouseClick(child(u"loadPresetButton"_s), Qt::LeftButton);
         auto *loadSheet = uitest::visibleTopLevel<QDialog>(u"loadPresetSheet"_s);
         uitest::saveScreenshot(loadSheet, u"load-sheet"_s + suffix);
