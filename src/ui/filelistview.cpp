@@ -39,7 +39,6 @@ constexpr int toolbarDividerHeight = 18;
 constexpr int sortPickerWidth = 110;
 constexpr int filterFieldCornerRadius = 6;
 constexpr int filterFieldVerticalPadding = 4;
-constexpr int tableIconSize = 16;
 
 /// Column widths of the file table; the name column takes the rest.
 constexpr int checkboxColumnWidth = 24;
@@ -266,7 +265,7 @@ QTableView *FileListView::createTable()
     table->setWordWrap(false);
     table->setAlternatingRowColors(true);
     table->setFrameShape(QFrame::NoFrame);
-    table->setIconSize(QSize(tableIconSize, tableIconSize));
+    table->setIconSize(QSize(FileTableModel::iconSize, FileTableModel::iconSize));
     table->setContextMenuPolicy(Qt::CustomContextMenu);
     table->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     // Rows are highlighted whole; a focus frame around one cell would only add noise.
