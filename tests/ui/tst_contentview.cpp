@@ -1,12 +1,15 @@
 #include "presets/presetmanager.h"
 #include "state/appviewmodel.h"
+#include "ui/appfonts.h"
 #include "ui/contentview.h"
 #include "ui/dialogpanelprovider.h"
 #include "ui/progressoverlayview.h"
 #include "ui/prominentbutton.h"
+#include "ui/renamefailurelistmodel.h"
 #include "ui/renameresultview.h"
 #include "uitesthelpers.h"
 
+#include <QAbstractItemModelTester>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFileSystemModel>
@@ -100,6 +103,26 @@ void clickInPanel(QFileDialog *dialog, const QString &folder, const QStringList 
     }
 }
 
+/// Moves nothing and fails every move with the same message.
+class FailingMover final : public FileMover
+{
+public:
+    explicit FailingMover(QString message)
+        : m_message(std::move(message))
+    {
+    }
+    std::optional<MoveError> move(const NativePath &, const NativePath &) override
+    {
+        return MoveError{MoveError::Kind::Other, m_message};
+    }
+    bool isSameItem(const NativePath &, const NativePath &) override { return false; }
+    bool exists(const NativePath &) override { return false; }
+    std::optional<ItemIdentity> identity(const NativePath &) override { return std::nullopt; }
+
+private:
+    QString m_message;
+};
+
 QString labelText(const QWidget *parent, const QString &objectName)
 {
     const auto *label = parent->findChild<QLabel *>(objectName);
@@ -134,6 +157,8 @@ private Q_SLOTS:
     void cancellingTheAlertRenamesNothing();
     void confirmingRenamesAndShowsSuccess();
     void failuresAreListedInTheResultSheet();
+    void longFailuresAreShownWhole();
+    void thousandsOfFailuresMakeNoWidgetPerRow();
     void overlayCoversTheWindowWhileRenaming();
     void importPanelAddsClickedFilesAndFolders_data();
     void importPanelAddsClickedFilesAndFolders();
@@ -526,15 +551,80 @@ void TestContentView::failuresAreListedInTheResultSheet()
     QCOMPARE(labelText(sheet, u"renamedCounterNumber"_s), u"0"_s);
     QCOMPARE(labelText(sheet, u"failedCounterNumber"_s), u"2"_s);
     QVERIFY(sheet->findChild<QWidget *>(u"errorBox"_s));
-    const QList<QWidget *> rows = sheet->findChildren<QWidget *>(u"errorRow"_s);
-    QCOMPARE(rows.size(), 2);
-    QCOMPARE(labelText(rows.at(0), u"errorName"_s), u"a.txt"_s);
-    QCOMPARE(labelText(rows.at(1), u"errorName"_s), u"b.txt"_s);
-    QCOMPARE(labelText(rows.at(0), u"errorReason"_s), u"Unknown error"_s);
+    auto *list = sheet->findChild<QAbstractItemView *>(u"errorList"_s);
+    QVERIFY(list);
+    QAbstractItemModelTester tester(list->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QCOMPARE(list->model()->rowCount(), 2);
+    QCOMPARE(list->model()->index(0, 0).data().toString(), u"a.txt"_s);
+    QCOMPARE(list->model()->index(1, 0).data().toString(), u"b.txt"_s);
+    QCOMPARE(list->model()->index(0, 0).data(RenameFailureListModel::ReasonRole).toString(), u"Unknown error"_s);
+    // Both rows show whole, one under the other.
+    QVERIFY(
+        list->visualRect(list->model()->index(1, 0)).top() >= list->visualRect(list->model()->index(0, 0)).bottom());
+    QVERIFY(list->viewport()->rect().contains(list->visualRect(list->model()->index(1, 0))));
 
     // Escape closes the sheet like Done, and the flag follows.
     QTest::keyClick(sheet, Qt::Key_Escape);
     QTRY_VERIFY(!m_vm->showRenameResult());
+}
+
+void TestContentView::longFailuresAreShownWhole()
+{
+    const QString reason = u"The new name is 412 bytes long; a file name can have at most 255. Shorten what the rules "
+                           u"insert or remove part of the name, then rename again."_s;
+    const QString name = QString(u"a"_s).repeated(90) + u".txt"_s;
+    m_vm->setFileMover(std::make_shared<FailingMover>(reason));
+    m_vm->addFiles(uitest::createFiles(*m_files, {name, u"b.txt"_s}));
+    m_vm->addRule(prefixRule(u"new_"_s));
+    m_vm->performRename();
+    RenameResultView *sheet = nullptr;
+    QTRY_VERIFY((sheet = uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s)));
+    auto *list = sheet->findChild<QAbstractItemView *>(u"errorList"_s);
+    QVERIFY(list);
+    QCOMPARE(list->model()->index(0, 0).data(RenameFailureListModel::ReasonRole).toString(), reason);
+    uitest::saveScreenshot(sheet, u"result-long-failures"_s);
+
+    // Neither text fits one line of the list; each row is tall enough for all the lines its texts need.
+    const QFontMetrics nameMetrics(AppFonts::caption());
+    const QFontMetrics reasonMetrics(AppFonts::caption2());
+    const int width = list->viewport()->width();
+    QVERIFY(nameMetrics.horizontalAdvance(name) > width);
+    QVERIFY(reasonMetrics.horizontalAdvance(reason) > width);
+    const auto linesAtLeast = [width](const QFontMetrics &metrics, const QString &text) {
+        return (metrics.horizontalAdvance(text) + width - 1) / width;
+    };
+    const QRect first = list->visualRect(list->model()->index(0, 0));
+    const QRect second = list->visualRect(list->model()->index(1, 0));
+    QVERIFY(first.height() >= linesAtLeast(nameMetrics, name) * nameMetrics.lineSpacing()
+            + linesAtLeast(reasonMetrics, reason) * reasonMetrics.lineSpacing());
+    QVERIFY(second.height() < first.height());
+    QVERIFY(second.top() > first.bottom());
+    QVERIFY(list->viewport()->rect().contains(first));
+}
+
+void TestContentView::thousandsOfFailuresMakeNoWidgetPerRow()
+{
+    constexpr int failureCount = 20'000;
+    QList<NativePath> locations;
+    for (int index = 0; index < failureCount; ++index)
+        locations.append(NativePath::fromText(m_files->filePath(u"IMG_%1.jpg"_s.arg(index))));
+    m_vm->setFileMover(std::make_shared<FailingMover>(u"Permission denied"_s));
+    m_vm->addFiles(locations);
+    m_vm->addRule(prefixRule(u"new_"_s));
+    m_vm->performRename();
+    RenameResultView *sheet = nullptr;
+    QTRY_VERIFY_WITH_TIMEOUT((sheet = uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s)), 20'000);
+    QCOMPARE(labelText(sheet, u"failedCounterNumber"_s), QString::number(failureCount));
+    auto *list = sheet->findChild<QAbstractItemView *>(u"errorList"_s);
+    QVERIFY(list);
+    QCOMPARE(list->model()->rowCount(), failureCount);
+    // The whole sheet is a few dozen widgets, however many rows its list has.
+    QVERIFY(sheet->findChildren<QWidget *>().size() < 50);
+
+    const QModelIndex last = list->model()->index(failureCount - 1, 0);
+    list->scrollTo(last);
+    QVERIFY(list->viewport()->rect().contains(list->visualRect(last)));
+    QCOMPARE(last.data().toString(), u"IMG_%1.jpg"_s.arg(failureCount - 1));
 }
 
 void TestContentView::overlayCoversTheWindowWhileRenaming()
@@ -759,6 +849,19 @@ void TestContentView::screenshots()
     QTRY_VERIFY((sheet = uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s)));
     uitest::saveScreenshot(sheet, u"result-success"_s + suffix);
     uitest::saveScreenshot(m_view.get(), u"window-after-rename"_s + suffix);
+    m_vm->setShowRenameResult(false);
+
+    QList<NativePath> many;
+    for (int index = 0; index < 20'000; ++index)
+        many.append(NativePath::fromText(m_files->filePath(u"holiday photo %1.jpg"_s.arg(index))));
+    m_vm->addFiles(many);
+    m_vm->selectAll();
+    m_vm->setFileMover(std::make_shared<FailingMover>(
+        u"Permission denied: the folder does not let this user rename the items in it."_s));
+    m_view->confirmRename();
+    answerAlert(u"Rename"_s);
+    QTRY_VERIFY_WITH_TIMEOUT((sheet = uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s)), 20'000);
+    uitest::saveScreenshot(sheet, u"result-20000-failures"_s + suffix);
 }
 
 QTEST_MAIN(TestContentView)
