@@ -144,6 +144,7 @@ ContentView::ContentView(AppViewModel *vm, PresetManager *presetManager, QWidget
     bodyLayout->addWidget(divider);
     m_splitter = makeMainContent(presetManager);
     bodyLayout->addWidget(m_splitter, 1);
+    alignPaneBars();
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
@@ -290,13 +291,15 @@ QSplitter *ContentView::makeMainContent(PresetManager *presetManager)
     auto *splitter = new QSplitter(Qt::Horizontal, m_body);
     splitter->setObjectName(u"mainSplitter"_s);
     splitter->setChildrenCollapsible(false);
-    QWidget *ruleEditor = new RuleEditorView(m_vm, presetManager, splitter);
-    QWidget *fileList = new FileListView(m_vm, splitter);
-    QWidget *preview = new PreviewPanelView(m_vm, splitter);
+    auto *ruleEditor = new RuleEditorView(m_vm, presetManager, splitter);
+    auto *fileList = new FileListView(m_vm, splitter);
+    auto *preview = new PreviewPanelView(m_vm, splitter);
+    m_paneHeaders = {ruleEditor->header(), fileList->header(), preview->header()};
+    m_paneFooters = {fileList->footer(), preview->footer()};
     limitWidth(ruleEditor, ruleEditorWidths);
     limitWidth(fileList, fileListWidths);
     limitWidth(preview, previewWidths);
-    for (QWidget *pane : {ruleEditor, fileList, preview})
+    for (QWidget *pane : std::initializer_list<QWidget *>{ruleEditor, fileList, preview})
         splitter->addWidget(pane);
     // The file list takes whatever the side panes leave.
     splitter->setStretchFactor(0, 0);
@@ -322,6 +325,24 @@ void ContentView::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
         applyTheme();
+    else if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        alignPaneBars();
+}
+
+void ContentView::alignPaneBars()
+{
+    // The lines under the panes' headers, and those over their bottom bars, run on as one: each bar is as tall
+    // as the tallest of its row needs.
+    for (const QList<QWidget *> *bars : {&m_paneHeaders, &m_paneFooters}) {
+        int height = 0;
+        for (QWidget *bar : *bars) {
+            bar->setMinimumHeight(0);
+            bar->setMaximumHeight(QWIDGETSIZE_MAX);
+            height = std::max(height, bar->sizeHint().height());
+        }
+        for (QWidget *bar : *bars)
+            bar->setFixedHeight(height);
+    }
 }
 
 void ContentView::confirmRename()

@@ -47,6 +47,7 @@ private:
     [[nodiscard]] QWidget *makeRulePill();
     [[nodiscard]] QSplitter *makeMainContent(PresetManager *presetManager);
 
+    void alignPaneBars();
     void updateCounters();
     void updateRulePill();
     void updateHistoryButtons();
@@ -78,6 +79,9 @@ private:
     QLabel *m_rulePillText = nullptr;
     ProminentButton *m_renameButton = nullptr;
     QList<QWidget *> m_dividers;
+    /// The headers of the rule editor, file list and preview panes, and the bottom bars of the last two.
+    QList<QWidget *> m_paneHeaders;
+    QList<QWidget *> m_paneFooters;
     QSplitter *m_splitter = nullptr;
     ProgressOverlayView *m_overlay = nullptr;
     QPointer<QMessageBox> m_confirmAlert;

@@ -80,11 +80,13 @@ FileListView::FileListView(AppViewModel *vm, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(createToolbar());
+    m_header = createToolbar();
+    layout->addWidget(m_header);
     layout->addWidget(new PaneDivider(Qt::Horizontal, 0, this));
     layout->addWidget(m_content, 1);
     layout->addWidget(new PaneDivider(Qt::Horizontal, 0, this));
-    layout->addWidget(createStatusBar());
+    m_footer = createStatusBar();
+    layout->addWidget(m_footer);
 
     connect(vm, &AppViewModel::filesChanged, this, [this] {
         updateContent();

@@ -45,11 +45,13 @@ PreviewPanelView::PreviewPanelView(AppViewModel *vm, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(createHeader());
+    m_header = createHeader();
+    layout->addWidget(m_header);
     layout->addWidget(new PaneDivider(Qt::Horizontal, 0, this));
     layout->addWidget(createList(), 1);
     layout->addWidget(new PaneDivider(Qt::Horizontal, 0, this));
-    layout->addWidget(createFooter());
+    m_footer = createFooter();
+    layout->addWidget(m_footer);
 
     connect(m_model, &PreviewListModel::modelReset, this, &PreviewPanelView::update);
     connect(vm, &AppViewModel::filesChanged, this, &PreviewPanelView::update);

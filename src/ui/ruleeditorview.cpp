@@ -60,7 +60,8 @@ RuleEditorView::RuleEditorView(AppViewModel *vm, PresetManager *presetManager, Q
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(makeHeader());
+    m_header = makeHeader();
+    layout->addWidget(m_header);
     layout->addWidget(new PaneDivider(Qt::Horizontal, 0, this));
     layout->addWidget(makeRuleList(), 1);
     layout->addWidget(makeAddRuleBar());

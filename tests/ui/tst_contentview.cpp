@@ -149,6 +149,8 @@ private Q_SLOTS:
     void topBarButtonsCarryShortcutsAndTooltips();
     void historyButtonsFollowTheStacks();
     void panesHaveTheirWidthLimits();
+    void paneBarsLineUp_data();
+    void paneBarsLineUp();
     void alertTitleCountsSelectedFiles_data();
     void alertTitleCountsSelectedFiles();
     void alertMessageWarnsAboutConflicts_data();
@@ -415,6 +417,38 @@ void TestContentView::panesHaveTheirWidthLimits()
     QVERIFY(fileList->width() >= 340);
     QVERIFY(ruleEditor->width() >= 260);
     QVERIFY(preview->width() >= 240);
+}
+
+void TestContentView::paneBarsLineUp_data()
+{
+    QTest::addColumn<QStringList>("bars");
+    QTest::addColumn<bool>("alongTheirTop");
+    QTest::newRow("the three panes' headers end on one line")
+        << QStringList{u"ruleEditorHeader"_s, u"fileListToolbar"_s, u"previewHeader"_s} << false;
+    QTest::newRow("the file list's and the preview's bottom bars start on one line")
+        << QStringList{u"fileListStatusBar"_s, u"previewFooter"_s} << true;
+}
+
+void TestContentView::paneBarsLineUp()
+{
+    QFETCH(QStringList, bars);
+    QFETCH(bool, alongTheirTop);
+    // With files, rules and a conflict, so each bar shows all it can.
+    m_vm->addFiles(uitest::createFiles(*m_files, {u"a.txt"_s, u"a.md"_s}));
+    m_vm->addRule(sameExtensionRule());
+    QApplication::processEvents();
+    QList<int> edges;
+    for (const QString &name : bars) {
+        auto *bar = m_view->findChild<QWidget *>(name);
+        QVERIFY2(bar && bar->isVisible(), qPrintable(name));
+        // Nothing in a bar is cut by the shared height.
+        for (const QWidget *child : bar->findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
+            if (child->isVisible())
+                QVERIFY2(bar->rect().contains(child->geometry()), qPrintable(child->objectName()));
+        }
+        edges.append(bar->mapTo(m_view.get(), QPoint(0, alongTheirTop ? 0 : bar->height())).y());
+    }
+    QCOMPARE(edges.count(edges.constFirst()), edges.size());
 }
 
 void TestContentView::alertTitleCountsSelectedFiles_data()
