@@ -5,7 +5,6 @@
 #include <QWidget>
 
 class QGridLayout;
-class QLineEdit;
 class QPushButton;
 class QShortcut;
 class QStackedWidget;
@@ -15,6 +14,7 @@ class QVBoxLayout;
 namespace quillfern {
 
 class AppViewModel;
+class CommandField;
 class LoadPresetSheet;
 class NLSuggestionsView;
 class PresetManager;
@@ -87,7 +87,7 @@ private:
     QList<QToolButton *> m_addButtons;
     int m_addButtonColumns = 0;
     QWidget *m_naturalLanguageBar = nullptr;
-    QLineEdit *m_naturalLanguageField = nullptr;
+    CommandField *m_naturalLanguageField = nullptr;
     QPushButton *m_parseButton = nullptr;
     NLSuggestionsView *m_suggestions = nullptr;
     QShortcut *m_dismissShortcut = nullptr;

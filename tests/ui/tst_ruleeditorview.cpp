@@ -1,5 +1,6 @@
 #include "presets/presetmanager.h"
 #include "state/appviewmodel.h"
+#include "ui/commandfield.h"
 #include "ui/elidinglabel.h"
 #include "ui/nlsuggestionsview.h"
 #include "ui/panelabel.h"
@@ -10,6 +11,7 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
@@ -96,6 +98,9 @@ private Q_SLOTS:
     void submittingCommandParsesIt_data();
     void submittingCommandParsesIt();
     void typingCommandDoesNotParse();
+    void commandPlaceholderReadsWhole_data();
+    void commandPlaceholderReadsWhole();
+    void returnSubmitsWithoutANewLine();
     void dismissEmptiesSuggestionsAndKeepsCommand();
     void escapeDismissesSuggestions();
     void applyAllAppendsSuggestionsInOrder();
@@ -190,7 +195,7 @@ void TestRuleEditorView::addRules(const QList<RuleType> &types)
 
 void TestRuleEditorView::submitCommand(const QString &command)
 {
-    auto *field = child<QLineEdit>(u"naturalLanguageField"_s);
+    auto *field = child<CommandField>(u"naturalLanguageField"_s);
     field->setFocus();
     QTest::keyClicks(field, command);
     QTest::keyClick(field, Qt::Key_Return);
@@ -204,7 +209,7 @@ void TestRuleEditorView::emptyPaneShowsEmptyStateAddBarAndCommandBar()
     QCOMPARE(paneText(u"emptyStateTitle"_s), u"No rules yet"_s);
     QCOMPARE(paneText(u"emptyStateHint"_s), u"Add rules below or use natural language"_s);
     QVERIFY(child(u"addRuleBar"_s)->isVisible());
-    auto *field = child<QLineEdit>(u"naturalLanguageField"_s);
+    auto *field = child<CommandField>(u"naturalLanguageField"_s);
     QVERIFY(field->isVisible());
     QCOMPARE(field->placeholderText(), u"Natural language... (e.g. Replace TERVANE with Solutions)"_s);
     QCOMPARE(child<QPushButton>(u"parseButton"_s)->text(), u"Parse"_s);
@@ -525,7 +530,7 @@ void TestRuleEditorView::submittingCommandParsesIt()
     QFETCH(bool, byButton);
     QFETCH(QStringList, descriptions);
     showPane();
-    auto *field = child<QLineEdit>(u"naturalLanguageField"_s);
+    auto *field = child<CommandField>(u"naturalLanguageField"_s);
     field->setFocus();
     QTest::keyClicks(field, command);
 
@@ -545,7 +550,7 @@ void TestRuleEditorView::submittingCommandParsesIt()
 void TestRuleEditorView::typingCommandDoesNotParse()
 {
     showPane();
-    auto *field = child<QLineEdit>(u"naturalLanguageField"_s);
+    auto *field = child<CommandField>(u"naturalLanguageField"_s);
     field->setFocus();
     QSignalSpy suggestionsChanged(m_vm.get(), &AppViewModel::nlSuggestionsChanged);
 
@@ -554,6 +559,55 @@ void TestRuleEditorView::typingCommandDoesNotParse()
     QCOMPARE(m_vm->naturalLanguageInput(), u"replace a with b"_s);
     QCOMPARE(suggestionsChanged.count(), 0);
     QVERIFY(!child(u"nlSuggestions"_s)->isVisible());
+}
+
+void TestRuleEditorView::commandPlaceholderReadsWhole_data()
+{
+    QTest::addColumn<int>("paneWidth");
+    QTest::newRow("in a pane of the default width") << 300;
+    QTest::newRow("in the narrowest pane") << 260;
+}
+
+void TestRuleEditorView::commandPlaceholderReadsWhole()
+{
+    QFETCH(int, paneWidth);
+    showPane(paneWidth);
+    auto *field = child<CommandField>(u"naturalLanguageField"_s);
+    QVERIFY(field);
+    QCOMPARE(field->placeholderText(), u"Natural language... (e.g. Replace TERVANE with Solutions)"_s);
+    // The placeholder, wrapped in the field's text area, fits its height.
+    const int margin = int(field->document()->documentMargin());
+    const QRect area = field->viewport()->rect().adjusted(margin, margin, -margin, -margin);
+    const QRect needed = field->fontMetrics().boundingRect(QRect(0, 0, area.width(), 10'000),
+        Qt::TextWordWrap,
+        field->placeholderText());
+    QVERIFY2(needed.height() <= area.height(), qPrintable(u"%1 > %2"_s.arg(needed.height()).arg(area.height())));
+    QVERIFY(needed.width() <= area.width());
+    // The command bar stays within the pane.
+    QVERIFY(m_view->rect().contains(
+        child(u"naturalLanguageBar"_s)
+            ->geometry()
+            .translated(child(u"naturalLanguageBar"_s)->parentWidget()->mapTo(m_view.get(), QPoint(0, 0)))));
+    uitest::saveScreenshot(child(u"addRuleBar"_s), u"command-placeholder-"_s + QString::number(paneWidth));
+}
+
+void TestRuleEditorView::returnSubmitsWithoutANewLine()
+{
+    showPane();
+    auto *field = child<CommandField>(u"naturalLanguageField"_s);
+    const int height = field->height();
+    submitCommand(u"replace TERVANE with Solutions"_s);
+    QCOMPARE(field->text(), u"replace TERVANE with Solutions"_s);
+    QCOMPARE(m_vm->naturalLanguageInput(), field->text());
+    QCOMPARE(m_vm->nlSuggestions().size(), 1);
+    // Return again parses again and still adds no line; a pasted line break becomes a space.
+    QTest::keyClick(field, Qt::Key_Enter);
+    QVERIFY(!field->text().contains(u'\n'));
+    field->clear();
+    QApplication::clipboard()->setText(u"replace a\nwith b"_s);
+    field->paste();
+    QCOMPARE(field->text(), u"replace a with b"_s);
+    QCOMPARE(field->height(), height);
 }
 
 void TestRuleEditorView::dismissEmptiesSuggestionsAndKeepsCommand()
@@ -567,7 +621,7 @@ void TestRuleEditorView::dismissEmptiesSuggestionsAndKeepsCommand()
 
     QVERIFY(m_vm->nlSuggestions().isEmpty());
     QVERIFY(!child(u"nlSuggestions"_s)->isVisible());
-    QCOMPARE(child<QLineEdit>(u"naturalLanguageField"_s)->text(), u"replace a with b"_s);
+    QCOMPARE(child<CommandField>(u"naturalLanguageField"_s)->text(), u"replace a with b"_s);
     QCOMPARE(m_vm->naturalLanguageInput(), u"replace a with b"_s);
     QVERIFY(m_vm->rules().isEmpty());
 }
@@ -582,7 +636,7 @@ void TestRuleEditorView::escapeDismissesSuggestions()
 
     QVERIFY(m_vm->nlSuggestions().isEmpty());
     QVERIFY(!child(u"nlSuggestions"_s)->isVisible());
-    QCOMPARE(child<QLineEdit>(u"naturalLanguageField"_s)->text(), u"replace a with b"_s);
+    QCOMPARE(child<CommandField>(u"naturalLanguageField"_s)->text(), u"replace a with b"_s);
 }
 
 void TestRuleEditorView::applyAllAppendsSuggestionsInOrder()
@@ -599,7 +653,7 @@ void TestRuleEditorView::applyAllAppendsSuggestionsInOrder()
     QCOMPARE(typesOf(m_vm->rules()), QList<RuleType>({RuleType::Trim, RuleType::Cleanup, RuleType::DateStamp}));
     QCOMPARE(m_view->rows().size(), 3);
     QVERIFY(!child(u"nlSuggestions"_s)->isVisible());
-    QVERIFY(child<QLineEdit>(u"naturalLanguageField"_s)->text().isEmpty());
+    QVERIFY(child<CommandField>(u"naturalLanguageField"_s)->text().isEmpty());
     QVERIFY(child(u"naturalLanguageField"_s)->hasFocus());
 }
 
@@ -619,7 +673,7 @@ void TestRuleEditorView::parsingAgainLaysOutTheNewSuggestions()
     showPane();
     submitCommand(first);
     QVERIFY(child(u"nlSuggestions"_s)->isVisible());
-    auto *field = child<QLineEdit>(u"naturalLanguageField"_s);
+    auto *field = child<CommandField>(u"naturalLanguageField"_s);
     field->selectAll();
     submitCommand(second);
     QCOMPARE(field->text(), second);
@@ -903,9 +957,9 @@ void TestRuleEditorView::screenshots()
             submitCommand(u"clean up and add today's date"_s);
             QApplication::processEvents();
             uitest::saveScreenshot(m_view.get(), u"suggestions"_s + size + suffix);
-            child<QLineEdit>(u"naturalLanguageField"_s)->selectAll();
+            child<CommandField>(u"naturalLanguageField"_s)->selectAll();
             submitCommand(u"replace IMG with Photo"_s);
-            child<QLineEdit>(u"naturalLanguageField"_s)->selectAll();
+            child<CommandField>(u"naturalLanguageField"_s)->selectAll();
             submitCommand(u"clean up and add today's date"_s);
             QApplication::processEvents();
             uitest::saveScreenshot(m_view.get(), u"suggestions-parsed-twice"_s + size + suffix);
