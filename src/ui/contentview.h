@@ -14,6 +14,7 @@ class QToolButton;
 namespace quillfern {
 
 class AppViewModel;
+class FileListView;
 class PresetManager;
 class ProgressOverlayView;
 class ProminentButton;
@@ -38,6 +39,7 @@ public:
 
 protected:
     void changeEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
 private:
@@ -48,6 +50,8 @@ private:
     [[nodiscard]] QSplitter *makeMainContent(PresetManager *presetManager);
 
     void alignPaneBars();
+    /// Gives the file list the width its table needs, from the side panes, and gives it back when there is room.
+    void balancePanes();
     void updateCounters();
     void updateRulePill();
     void updateHistoryButtons();
@@ -83,6 +87,10 @@ private:
     QList<QWidget *> m_paneHeaders;
     QList<QWidget *> m_paneFooters;
     QSplitter *m_splitter = nullptr;
+    FileListView *m_fileList = nullptr;
+    /// How much narrower than the user left them the preview and the rule editor are, for the file list's sake.
+    int m_lentByPreview = 0;
+    int m_lentByRuleEditor = 0;
     ProgressOverlayView *m_overlay = nullptr;
     QPointer<QMessageBox> m_confirmAlert;
     QPointer<RenameResultView> m_resultView;

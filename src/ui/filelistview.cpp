@@ -23,6 +23,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QStackedWidget>
+#include <QStyle>
 #include <QTableView>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -311,6 +312,19 @@ bool FileListView::eventFilter(QObject *watched, QEvent *event)
     if (watched == m_table->viewport() && event->type() == QEvent::Resize)
         fitNameColumn();
     return QWidget::eventFilter(watched, event);
+}
+
+int FileListView::fullTableWidth() const
+{
+    const QHeaderView *columns = m_table->horizontalHeader();
+    int width = nameColumnMinimumWidth;
+    for (int column = 0; column < FileTableModel::ColumnCount; ++column) {
+        if (column != FileTableModel::NameColumn)
+            width += columns->sectionSize(column);
+    }
+    // The scroll bar is counted whether or not it shows, so a list that grows longer hides no column.
+    return width + m_table->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, m_table)
+        + 2 * m_table->frameWidth();
 }
 
 void FileListView::fitNameColumn()

@@ -44,6 +44,9 @@ public:
     [[nodiscard]] bool isDropTargeted() const { return m_isDropTargeted; }
     /// Replaces the file-manager call of the context menu (FileManagerReveal::reveal by default).
     void setRevealFunction(RevealFunction reveal);
+    /// The narrowest the pane can be with every column of the table in view, the name column at its minimum and
+    /// room for the vertical scroll bar; narrower, the table scrolls sideways.
+    [[nodiscard]] int fullTableWidth() const;
     /// The bar at the top of the pane; the window gives the three panes' bars one height.
     [[nodiscard]] QWidget *header() const { return m_header; }
     /// The bar at the bottom of the pane; the window gives it the height of the other panes' bottom bars.

@@ -1,10 +1,12 @@
 #include "app/quillfernapp.h"
 #include "ui/contentview.h"
 #include "ui/dialogpanelprovider.h"
+#include "ui/filetablemodel.h"
 #include "uitesthelpers.h"
 
 #include <QFileDialog>
 #include <QFileSystemModel>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMenu>
@@ -13,6 +15,9 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QScopeGuard>
+#include <QScrollBar>
+#include <QSplitter>
+#include <QTableView>
 #include <QTest>
 #include <QTimer>
 
@@ -58,6 +63,7 @@ private Q_SLOTS:
     void exportWritesThePreviewWhereChosen();
     void focusedTextFieldKeepsItsOwnUndo();
     void windowKeepsItsMinimumSize();
+    void narrowestWindowShowsEveryColumn();
     void locationsGivenAtStartAreAdded();
     void commandsWaitWhileARenameRuns();
     void renamingScreenshots_data();
@@ -408,6 +414,36 @@ void TestMenus::windowKeepsItsMinimumSize()
     QVERIFY(m_app->contentView().height() >= 600);
     QCOMPARE(m_app->contentView().minimumSize(), QSize(960, 600));
     uitest::saveScreenshot(&m_app->window(), u"window-minimum"_s);
+}
+
+void TestMenus::narrowestWindowShowsEveryColumn()
+{
+    addFiles({u"holiday photo.jpg"_s, u"notes.txt"_s, u"report.pdf"_s});
+    auto *splitter = m_app->window().findChild<QSplitter *>(u"mainSplitter"_s);
+    const QList<int> widthsAtOpening = splitter->sizes();
+    m_app->window().resize(100, 100);
+    QTRY_COMPARE(m_app->contentView().width(), 960);
+    auto *table = m_app->window().findChild<QTableView *>(u"fileTable"_s);
+    QApplication::processEvents();
+    uitest::saveScreenshot(&m_app->window(), u"window-narrowest"_s);
+
+    // The table shows every column without scrolling sideways.
+    QCOMPARE(table->horizontalScrollBar()->maximum(), 0);
+    const QHeaderView *columns = table->horizontalHeader();
+    QVERIFY(
+        columns->sectionViewportPosition(FileTableModel::TypeColumn) + columns->sectionSize(FileTableModel::TypeColumn)
+        <= table->viewport()->width());
+    QVERIFY(columns->sectionSize(FileTableModel::NameColumn) >= 120);
+    // The preview gave way, as far as it needed and no further than its minimum.
+    const QList<int> widths = splitter->sizes();
+    QVERIFY(widths.at(2) < widthsAtOpening.at(2));
+    QVERIFY(widths.at(2) >= 240);
+    QVERIFY(widths.at(0) >= 260);
+
+    // Wide again, the panes have their widths of before.
+    m_app->window().resize(1200, 760);
+    QTRY_COMPARE(m_app->contentView().width(), 1200);
+    QCOMPARE(splitter->sizes(), widthsAtOpening);
 }
 
 void TestMenus::locationsGivenAtStartAreAdded()
