@@ -1,13 +1,18 @@
 // Measures the file list pane and the preview pane with 100,000 files: the time from addFiles to the first
 // painted frame of both panes, and from a rule change to the repainted preview (plus a filter keystroke and a
 // jump to the end of the list). Files are real, in 100 folders of 1,000 on /dev/shm, so the size and date
-// columns read real attributes. Usage: bench_panes [RUNS] (default 5; the median is reported).
+// columns read real attributes. Then the rename result sheet after a batch of 20,000 failed moves, each with a
+// name and a reason of its own: the time from making the sheet to its first painted frame that shows rows, and
+// to the end of its list. Usage: bench_panes [RUNS] (default 5; the median is reported).
 
+#include "engine/filemover.h"
 #include "model/nativepath.h"
 #include "state/appviewmodel.h"
 #include "ui/filelistview.h"
 #include "ui/previewpanelview.h"
+#include "ui/renameresultview.h"
 
+#include <QAbstractItemView>
 #include <QAbstractScrollArea>
 #include <QApplication>
 #include <QElapsedTimer>
@@ -33,6 +38,21 @@ namespace {
 
 constexpr int folderCount = 100;
 constexpr int filesPerFolder = 1000;
+constexpr int failureCount = 20'000;
+
+/// Moves nothing: every move fails because its new name is taken, so each failure has a reason of its own.
+class RefusingFileMover final : public FileMover
+{
+public:
+    std::optional<MoveError> move(const NativePath &, const NativePath &to) override
+    {
+        return MoveError{MoveError::Kind::DestinationExists,
+            u"A file named “%1” already exists."_s.arg(to.fileNameText())};
+    }
+    bool isSameItem(const NativePath &, const NativePath &) override { return false; }
+    bool exists(const NativePath &) override { return true; }
+    std::optional<ItemIdentity> identity(const NativePath &) override { return std::nullopt; }
+};
 
 QList<NativePath> makeFiles(const QString &root)
 {
@@ -49,20 +69,28 @@ QList<NativePath> makeFiles(const QString &root)
     return files;
 }
 
-/// Counts paint events of a widget, to tell when a frame has been drawn.
+/// Counts paint events of a widget, to tell when a frame has been drawn; with a condition, only the frames drawn
+/// while it holds.
 class PaintCounter final : public QObject
 {
 public:
-    explicit PaintCounter(QWidget *widget) { widget->installEventFilter(this); }
+    explicit PaintCounter(QWidget *widget, std::function<bool()> condition = {})
+        : m_condition(std::move(condition))
+    {
+        widget->installEventFilter(this);
+    }
     int count = 0;
 
 protected:
     bool eventFilter(QObject *, QEvent *event) override
     {
-        if (event->type() == QEvent::Paint)
+        if (event->type() == QEvent::Paint && (!m_condition || m_condition()))
             ++count;
         return false;
     }
+
+private:
+    std::function<bool()> m_condition;
 };
 
 /// Runs the event loop until every counter has seen a paint since `before`.
@@ -199,6 +227,51 @@ int main(int argc, char **argv)
         jumpToEnd.push_back(milliseconds(timer));
     }
 
+    // The result sheet of a batch whose 20,000 moves failed, shown over a window as the application shows it.
+    // Every failure has a name and a reason of its own, the most the sheet can have to measure.
+    std::vector<double> sheetToPaint;
+    std::vector<double> sheetToEnd;
+    QList<NativePath> failing;
+    for (int index = 0; index < failureCount; ++index)
+        failing.append(NativePath::fromText(root.path() + u"/Failing/IMG_%1 holiday photo.jpg"_s.arg(index)));
+    for (int run = 0; run < runs; ++run) {
+        AppViewModel vm;
+        vm.setFileMover(std::make_shared<RefusingFileMover>());
+        vm.addFiles(failing);
+        RenameRule rule(RuleType::Replace);
+        rule.findText = u"holiday"_s;
+        rule.replaceText = u"trip"_s;
+        vm.addRule(rule);
+        vm.performRename();
+        while (vm.isRenaming())
+            QCoreApplication::processEvents(QEventLoop::AllEvents);
+        QWidget window;
+        window.resize(1200, 760);
+        window.show();
+        if (!QTest::qWaitForWindowExposed(&window))
+            qFatal("the window is not exposed");
+
+        QElapsedTimer timer;
+        timer.start();
+        auto *sheet = new RenameResultView(&vm, &window);
+        auto *rows = sheet->findChild<QAbstractItemView *>(u"errorList"_s);
+        const QModelIndex first = rows->model()->index(0, 0);
+        {
+            // Only a frame that shows rows counts.
+            PaintCounter rowPaints(rows->viewport(), [&] { return rows->visualRect(first).isValid(); });
+            sheet->open();
+            waitForPaint({&rowPaints}, {0});
+            sheetToPaint.push_back(milliseconds(timer));
+        }
+
+        PaintCounter listPaints(rows->viewport());
+        timer.restart();
+        rows->verticalScrollBar()->setValue(rows->verticalScrollBar()->maximum());
+        waitForPaint({&listPaints}, {0});
+        sheetToEnd.push_back(milliseconds(timer));
+        delete sheet;
+    }
+
     out << "state object alone (previews read): addFiles " << median(stateAdd) << " ms, filteredFiles "
         << median(stateFiltered) << " ms, updateRule " << median(stateRule) << " ms\n";
     out << "addFiles to first painted frame of both panes: " << median(addToPaint) << " ms (addFiles call itself "
@@ -207,5 +280,7 @@ int main(int argc, char **argv)
         << median(ruleCall) << " ms)\n";
     out << "filter keystroke to repainted panes: " << median(keystrokeToPaint) << " ms\n";
     out << "jump to the end of the table: " << median(jumpToEnd) << " ms\n";
+    out << "result sheet with " << failureCount << " failures, made to first painted frame: " << median(sheetToPaint)
+        << " ms; jump to the end of its list: " << median(sheetToEnd) << " ms\n";
     return 0;
 }

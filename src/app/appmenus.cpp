@@ -51,6 +51,10 @@ AppMenus::AppMenus(AppViewModel *vm, QMenuBar *menuBar)
     connect(m_vm, &AppViewModel::redoStackChanged, this, &AppMenus::updateEnabledStates);
     connect(m_vm, &AppViewModel::filesChanged, this, &AppMenus::updateEnabledStates);
     connect(m_vm, &AppViewModel::previewsChanged, this, &AppMenus::updateEnabledStates);
+    connect(m_vm, &AppViewModel::isRenamingChanged, this, [this] {
+        updateEnabledStates();
+        updateTextEditingStates();
+    });
     connect(qApp, &QApplication::focusChanged, this, &AppMenus::updateTextEditingStates);
     updateEnabledStates();
     updateTextEditingStates();
@@ -66,6 +70,7 @@ void AppMenus::addFileMenu(QMenuBar *menuBar)
     QAction *clearList = addAction(menu, u"clearListCommand"_s, u"Clear List"_s);
     clearList->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_K));
     connect(clearList, &QAction::triggered, m_vm, &AppViewModel::clearFiles);
+    m_idleCommands.append({importFiles, clearList});
     menu->addSeparator();
     QAction *quit = addAction(menu, u"quitCommand"_s, u"Quit"_s);
     quit->setShortcut(QKeySequence::Quit);
@@ -118,6 +123,7 @@ void AppMenus::addSelectionMenu(QMenuBar *menuBar)
     QAction *invert = addAction(menu, u"invertSelectionCommand"_s, u"Invert Selection"_s);
     invert->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_I));
     connect(invert, &QAction::triggered, m_vm, &AppViewModel::invertSelection);
+    m_idleCommands.append({selectAll, deselectAll, invert});
 }
 
 void AppMenus::addRenameMenu(QMenuBar *menuBar)
@@ -135,17 +141,23 @@ void AppMenus::addRenameMenu(QMenuBar *menuBar)
 
 void AppMenus::updateEnabledStates()
 {
-    m_undoRename->setEnabled(!m_vm->undoStack().isEmpty());
-    m_redoRename->setEnabled(!m_vm->redoStack().isEmpty());
-    m_renameSelected->setEnabled(m_vm->selectedCount() > 0);
-    m_exportPreview->setEnabled(!m_vm->previews().isEmpty());
+    // While a batch rename runs the window is covered: no command may change the list, its history or the
+    // selection under it (an undo then would take the running rename's own snapshot).
+    const bool isIdle = !m_vm->isRenaming();
+    for (QAction *command : std::as_const(m_idleCommands))
+        command->setEnabled(isIdle);
+    m_undoRename->setEnabled(isIdle && !m_vm->undoStack().isEmpty());
+    m_redoRename->setEnabled(isIdle && !m_vm->redoStack().isEmpty());
+    m_renameSelected->setEnabled(isIdle && m_vm->selectedCount() > 0);
+    m_exportPreview->setEnabled(isIdle && !m_vm->previews().isEmpty());
 }
 
 void AppMenus::updateTextEditingStates()
 {
     // The standard editing items work on the focused text field, whichever kind it is.
+    const bool isIdle = !m_vm->isRenaming();
     for (const auto &[action, signature] : std::as_const(m_textEditingActions))
-        action->setEnabled(focusedWidgetOffers(signature));
+        action->setEnabled(isIdle && focusedWidgetOffers(signature));
 }
 
 } // namespace quillfern

@@ -13,7 +13,8 @@ class AppViewModel;
 
 /// The application's menu commands in the menu bar of the main window: File (import, clear, quit), the
 /// standard Edit menu for text fields followed by "Undo Rename" and "Redo Rename", the application's own
-/// "Edit" menu for the file selection, and "Rename". Each command's enabled state follows the state object.
+/// "Edit" menu for the file selection, and "Rename". Each command's enabled state follows the state object; while
+/// a batch rename runs, every command but Quit is disabled, and with it its shortcut.
 ///
 /// Qt fires neither of two shortcuts bound to the same keys, so every key sequence has one owner. Where a
 /// top-bar button of the window already carries a shortcut (import, undo, redo, rename), the menu item only
@@ -50,6 +51,8 @@ private:
     AppViewModel *m_vm;
     /// The standard editing items, each with the method of the focused widget it calls.
     QList<std::pair<QAction *, const char *>> m_textEditingActions;
+    /// The commands that are enabled exactly while no rename runs: import, clear and the selection commands.
+    QList<QAction *> m_idleCommands;
     QAction *m_undoRename = nullptr;
     QAction *m_redoRename = nullptr;
     QAction *m_renameSelected = nullptr;

@@ -144,6 +144,7 @@ ContentView::ContentView(AppViewModel *vm, PresetManager *presetManager, QWidget
     bodyLayout->addWidget(divider);
     m_splitter = makeMainContent(presetManager);
     bodyLayout->addWidget(m_splitter, 1);
+    alignPaneBars();
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
@@ -290,18 +291,26 @@ QSplitter *ContentView::makeMainContent(PresetManager *presetManager)
     auto *splitter = new QSplitter(Qt::Horizontal, m_body);
     splitter->setObjectName(u"mainSplitter"_s);
     splitter->setChildrenCollapsible(false);
-    QWidget *ruleEditor = new RuleEditorView(m_vm, presetManager, splitter);
-    QWidget *fileList = new FileListView(m_vm, splitter);
-    QWidget *preview = new PreviewPanelView(m_vm, splitter);
+    auto *ruleEditor = new RuleEditorView(m_vm, presetManager, splitter);
+    auto *fileList = new FileListView(m_vm, splitter);
+    m_fileList = fileList;
+    auto *preview = new PreviewPanelView(m_vm, splitter);
+    m_paneHeaders = {ruleEditor->header(), fileList->header(), preview->header()};
+    m_paneFooters = {fileList->footer(), preview->footer()};
     limitWidth(ruleEditor, ruleEditorWidths);
     limitWidth(fileList, fileListWidths);
     limitWidth(preview, previewWidths);
-    for (QWidget *pane : {ruleEditor, fileList, preview})
+    for (QWidget *pane : std::initializer_list<QWidget *>{ruleEditor, fileList, preview})
         splitter->addWidget(pane);
     // The file list takes whatever the side panes leave.
     splitter->setStretchFactor(0, 0);
     splitter->setStretchFactor(1, 1);
     splitter->setStretchFactor(2, 0);
+    // Widths the user chose by dragging are theirs: nothing is owed back any more.
+    connect(splitter, &QSplitter::splitterMoved, this, [this] {
+        m_lentByPreview = 0;
+        m_lentByRuleEditor = 0;
+    });
     return splitter;
 }
 
@@ -315,6 +324,53 @@ void ContentView::showEvent(QShowEvent *event)
         m_splitter->width() - ruleEditorWidths.ideal - previewWidths.ideal - 2 * m_splitter->handleWidth();
     m_splitter->setSizes(
         {ruleEditorWidths.ideal, std::max(fileListWidth, fileListWidths.minimum), previewWidths.ideal});
+    balancePanes();
+}
+
+void ContentView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    // The layout has already given the splitter its new width, which it shared out by its stretch factors.
+    if (m_hasSizedPanes)
+        balancePanes();
+}
+
+void ContentView::balancePanes()
+{
+    QList<int> sizes = m_splitter->sizes();
+    const int preview = 2;
+    const int fileList = 1;
+    const int ruleEditor = 0;
+    const int room = sizes.at(fileList) - m_fileList->fullTableWidth();
+    if (room < 0) {
+        // A narrower window takes from the file list alone, until its table would scroll sideways and cut the
+        // last columns; then the preview gives way, and the rule editor after it, each down to its minimum.
+        int missing = -room;
+        const int fromPreview = std::clamp(sizes.at(preview) - previewWidths.minimum, 0, missing);
+        missing -= fromPreview;
+        const int fromRuleEditor = std::clamp(sizes.at(ruleEditor) - ruleEditorWidths.minimum, 0, missing);
+        if (fromPreview + fromRuleEditor == 0)
+            return;
+        sizes[preview] -= fromPreview;
+        sizes[ruleEditor] -= fromRuleEditor;
+        sizes[fileList] += fromPreview + fromRuleEditor;
+        m_lentByPreview += fromPreview;
+        m_lentByRuleEditor += fromRuleEditor;
+    } else {
+        // A wider window gives the side panes back what they lent, the rule editor first.
+        int spare = room;
+        const int toRuleEditor = std::min(spare, m_lentByRuleEditor);
+        spare -= toRuleEditor;
+        const int toPreview = std::min(spare, m_lentByPreview);
+        if (toRuleEditor + toPreview == 0)
+            return;
+        sizes[ruleEditor] += toRuleEditor;
+        sizes[preview] += toPreview;
+        sizes[fileList] -= toRuleEditor + toPreview;
+        m_lentByRuleEditor -= toRuleEditor;
+        m_lentByPreview -= toPreview;
+    }
+    m_splitter->setSizes(sizes);
 }
 
 void ContentView::changeEvent(QEvent *event)
@@ -322,6 +378,24 @@ void ContentView::changeEvent(QEvent *event)
     QWidget::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
         applyTheme();
+    else if (event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange)
+        alignPaneBars();
+}
+
+void ContentView::alignPaneBars()
+{
+    // The lines under the panes' headers, and those over their bottom bars, run on as one: each bar is as tall
+    // as the tallest of its row needs.
+    for (const QList<QWidget *> *bars : {&m_paneHeaders, &m_paneFooters}) {
+        int height = 0;
+        for (QWidget *bar : *bars) {
+            bar->setMinimumHeight(0);
+            bar->setMaximumHeight(QWIDGETSIZE_MAX);
+            height = std::max(height, bar->sizeHint().height());
+        }
+        for (QWidget *bar : *bars)
+            bar->setFixedHeight(height);
+    }
 }
 
 void ContentView::confirmRename()

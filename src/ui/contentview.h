@@ -14,6 +14,7 @@ class QToolButton;
 namespace quillfern {
 
 class AppViewModel;
+class FileListView;
 class PresetManager;
 class ProgressOverlayView;
 class ProminentButton;
@@ -38,6 +39,7 @@ public:
 
 protected:
     void changeEvent(QEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void showEvent(QShowEvent *event) override;
 
 private:
@@ -47,6 +49,9 @@ private:
     [[nodiscard]] QWidget *makeRulePill();
     [[nodiscard]] QSplitter *makeMainContent(PresetManager *presetManager);
 
+    void alignPaneBars();
+    /// Gives the file list the width its table needs, from the side panes, and gives it back when there is room.
+    void balancePanes();
     void updateCounters();
     void updateRulePill();
     void updateHistoryButtons();
@@ -78,7 +83,14 @@ private:
     QLabel *m_rulePillText = nullptr;
     ProminentButton *m_renameButton = nullptr;
     QList<QWidget *> m_dividers;
+    /// The headers of the rule editor, file list and preview panes, and the bottom bars of the last two.
+    QList<QWidget *> m_paneHeaders;
+    QList<QWidget *> m_paneFooters;
     QSplitter *m_splitter = nullptr;
+    FileListView *m_fileList = nullptr;
+    /// How much narrower than the user left them the preview and the rule editor are, for the file list's sake.
+    int m_lentByPreview = 0;
+    int m_lentByRuleEditor = 0;
     ProgressOverlayView *m_overlay = nullptr;
     QPointer<QMessageBox> m_confirmAlert;
     QPointer<RenameResultView> m_resultView;

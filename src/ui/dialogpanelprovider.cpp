@@ -1,11 +1,10 @@
 #include "ui/dialogpanelprovider.h"
 
 #include "model/nativepath.h"
+#include "ui/filesandfoldersdialog.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
-
-#include <algorithm>
 
 using namespace Qt::StringLiterals;
 
@@ -13,27 +12,17 @@ namespace quillfern {
 
 namespace {
 
-/// A file dialog that accepts folders as well as files. A stock dialog in the multiple-files mode would enter a
-/// selected folder instead of returning it; this one returns every selected item that exists, so a folder is
-/// entered only by a double click.
-class FilesAndFoldersDialog final : public QFileDialog
+/// `path` when it is a folder, else its nearest parent that is one (a folder renamed by the last batch, say).
+QString nearestExistingFolder(QString path)
 {
-public:
-    using QFileDialog::QFileDialog;
-
-    void accept() override
-    {
-        const QStringList chosen = selectedFiles();
-        const bool allExist =
-            std::all_of(chosen.cbegin(), chosen.cend(), [](const QString &path) { return QFileInfo::exists(path); });
-        if (chosen.isEmpty() || !allExist) {
-            // Let the stock dialog say what is wrong with a typed name.
-            QFileDialog::accept();
-            return;
-        }
-        QDialog::accept();
+    while (!QFileInfo(path).isDir()) {
+        const QString parent = QFileInfo(path).path();
+        if (parent == path)
+            break;
+        path = parent;
     }
-};
+    return path;
+}
 
 } // namespace
 
@@ -44,14 +33,13 @@ DialogPanelProvider::DialogPanelProvider(QWidget *parent)
 
 std::optional<QList<NativePath>> DialogPanelProvider::chooseFilesAndFolders(const QString &title)
 {
-    // The desktop's own dialogs cannot choose files and folders together, so this one is Qt's.
     FilesAndFoldersDialog dialog(m_parent, title);
     dialog.setObjectName(openPanelName);
-    dialog.setOption(QFileDialog::DontUseNativeDialog);
-    dialog.setFileMode(QFileDialog::ExistingFiles);
-    dialog.setWindowModality(Qt::WindowModal);
+    if (!m_lastImportFolder.isEmpty())
+        dialog.setDirectory(nearestExistingFolder(m_lastImportFolder));
     if (dialog.exec() != QDialog::Accepted)
         return std::nullopt;
+    m_lastImportFolder = dialog.directory().absolutePath();
     QList<NativePath> locations;
     for (const QString &path : dialog.selectedFiles())
         locations.append(NativePath::fromText(path));

@@ -3,12 +3,14 @@
 #include "state/panelprovider.h"
 
 #include <QPointer>
+#include <QString>
 #include <QWidget>
 
 namespace quillfern {
 
 /// The file choosers of the desktop, as window-modal file dialogs over the window of `parent`. The open panel lets the
-/// user pick files and folders together: a double click enters a folder, "Open" takes whatever is selected.
+/// user pick files and folders together (FilesAndFoldersDialog) and opens, for the rest of the run, in the folder
+/// the last import was chosen from.
 class DialogPanelProvider final : public PanelProvider
 {
 public:
@@ -25,6 +27,8 @@ public:
 
 private:
     QPointer<QWidget> m_parent;
+    /// The folder the open panel showed when it last returned a choice; empty until then.
+    QString m_lastImportFolder;
 };
 
 } // namespace quillfern

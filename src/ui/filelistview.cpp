@@ -23,6 +23,7 @@
 #include <QMimeData>
 #include <QPushButton>
 #include <QStackedWidget>
+#include <QStyle>
 #include <QTableView>
 #include <QToolButton>
 #include <QVBoxLayout>
@@ -39,7 +40,6 @@ constexpr int toolbarDividerHeight = 18;
 constexpr int sortPickerWidth = 110;
 constexpr int filterFieldCornerRadius = 6;
 constexpr int filterFieldVerticalPadding = 4;
-constexpr int tableIconSize = 16;
 
 /// Column widths of the file table; the name column takes the rest.
 constexpr int checkboxColumnWidth = 24;
@@ -81,11 +81,13 @@ FileListView::FileListView(AppViewModel *vm, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(createToolbar());
+    m_header = createToolbar();
+    layout->addWidget(m_header);
     layout->addWidget(new PaneDivider(Qt::Horizontal, 0, this));
     layout->addWidget(m_content, 1);
     layout->addWidget(new PaneDivider(Qt::Horizontal, 0, this));
-    layout->addWidget(createStatusBar());
+    m_footer = createStatusBar();
+    layout->addWidget(m_footer);
 
     connect(vm, &AppViewModel::filesChanged, this, [this] {
         updateContent();
@@ -266,7 +268,7 @@ QTableView *FileListView::createTable()
     table->setWordWrap(false);
     table->setAlternatingRowColors(true);
     table->setFrameShape(QFrame::NoFrame);
-    table->setIconSize(QSize(tableIconSize, tableIconSize));
+    table->setIconSize(QSize(FileTableModel::iconSize, FileTableModel::iconSize));
     table->setContextMenuPolicy(Qt::CustomContextMenu);
     table->setHorizontalScrollMode(QAbstractItemView::ScrollPerPixel);
     // Rows are highlighted whole; a focus frame around one cell would only add noise.
@@ -310,6 +312,19 @@ bool FileListView::eventFilter(QObject *watched, QEvent *event)
     if (watched == m_table->viewport() && event->type() == QEvent::Resize)
         fitNameColumn();
     return QWidget::eventFilter(watched, event);
+}
+
+int FileListView::fullTableWidth() const
+{
+    const QHeaderView *columns = m_table->horizontalHeader();
+    int width = nameColumnMinimumWidth;
+    for (int column = 0; column < FileTableModel::ColumnCount; ++column) {
+        if (column != FileTableModel::NameColumn)
+            width += columns->sectionSize(column);
+    }
+    // The scroll bar is counted whether or not it shows, so a list that grows longer hides no column.
+    return width + m_table->style()->pixelMetric(QStyle::PM_ScrollBarExtent, nullptr, m_table)
+        + 2 * m_table->frameWidth();
 }
 
 void FileListView::fitNameColumn()

@@ -44,6 +44,13 @@ public:
     [[nodiscard]] bool isDropTargeted() const { return m_isDropTargeted; }
     /// Replaces the file-manager call of the context menu (FileManagerReveal::reveal by default).
     void setRevealFunction(RevealFunction reveal);
+    /// The narrowest the pane can be with every column of the table in view, the name column at its minimum and
+    /// room for the vertical scroll bar; narrower, the table scrolls sideways.
+    [[nodiscard]] int fullTableWidth() const;
+    /// The bar at the top of the pane; the window gives the three panes' bars one height.
+    [[nodiscard]] QWidget *header() const { return m_header; }
+    /// The bar at the bottom of the pane; the window gives it the height of the other panes' bottom bars.
+    [[nodiscard]] QWidget *footer() const { return m_footer; }
 
 protected:
     void dragEnterEvent(QDragEnterEvent *event) override;
@@ -81,6 +88,8 @@ private:
     DropZoneView *m_dropZone;
     QTableView *m_table;
     QStackedWidget *m_content;
+    QWidget *m_header = nullptr;
+    QWidget *m_footer = nullptr;
     QPushButton *m_importButton = nullptr;
     QFrame *m_filterFrame = nullptr;
     QLineEdit *m_filterField = nullptr;

@@ -6,6 +6,7 @@
 #include "ui/appfonts.h"
 
 #include <QFileInfo>
+#include <QPixmap>
 
 #include <algorithm>
 
@@ -183,10 +184,30 @@ const FileTableModel::RowDetails &FileTableModel::details(int row) const
 QIcon FileTableModel::iconFor(const FileItem &item) const
 {
     const QString kind = item.isDirectory ? u"/"_s : item.fileExtension().toLower();
-    auto found = m_iconsByKind.find(kind);
-    if (found == m_iconsByKind.end())
-        found = m_iconsByKind.insert(kind, m_iconProvider.icon(QFileInfo(item.url.toText())));
-    return *found;
+    if (const auto found = m_iconsByKind.constFind(kind); found != m_iconsByKind.cend())
+        return *found;
+    const QIcon icon = m_iconProvider.icon(QFileInfo(item.url.toText()));
+    if (icon.isNull()) {
+        // An item that is not on disk (a mistyped location, the list after an undo) has no icon to look up. That
+        // says nothing about its kind, whose next item on disk gets its own icon.
+        return genericIcon(item.isDirectory);
+    }
+    m_iconsByKind.insert(kind, icon);
+    return icon;
+}
+
+QIcon FileTableModel::genericIcon(bool isDirectory) const
+{
+    QIcon &icon = isDirectory ? m_genericFolderIcon : m_genericFileIcon;
+    if (icon.isNull())
+        icon = m_iconProvider.icon(isDirectory ? QFileIconProvider::Folder : QFileIconProvider::File);
+    if (icon.isNull()) {
+        // Without any icon to show, an empty one of the same size keeps the name where the others are.
+        QPixmap blank(iconSize, iconSize);
+        blank.fill(Qt::transparent);
+        icon = QIcon(blank);
+    }
+    return icon;
 }
 
 } // namespace quillfern

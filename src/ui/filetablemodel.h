@@ -16,7 +16,8 @@ class AppViewModel;
 /// The file table's rows: the state object's filtered and sorted files, cached, with a checkbox column. A
 /// change of the list, the filter, the sort order or the files-only/folders-only flags resets the model; a
 /// change of selection flags alone only refreshes the checkbox column. Display texts that need the file
-/// system (size, date) are computed for the rows that are shown and kept until the list changes.
+/// system (size, date) are computed for the rows that are shown and kept until the list changes. Every name has an
+/// icon, so names line up: its kind's, or a generic one for an item that is not on disk.
 class FileTableModel final : public QAbstractTableModel
 {
     Q_OBJECT
@@ -49,6 +50,9 @@ public:
     /// The item shown in `row`.
     [[nodiscard]] const FileItem &file(int row) const { return m_rows.at(row); }
 
+    /// The edge of the icons of the name column, in device-independent pixels.
+    static constexpr int iconSize = 16;
+
     /// "Folder" for a directory, "File" for a file without extension, else the extension in upper case.
     [[nodiscard]] static QString typeText(const FileItem &item);
 
@@ -67,7 +71,10 @@ private:
     void filesChanged();
     void refreshSelectionFlags();
     [[nodiscard]] const RowDetails &details(int row) const;
+    /// The icon of the item's kind, looked up once per kind on the first item of the kind found on disk.
     [[nodiscard]] QIcon iconFor(const FileItem &item) const;
+    /// The icon of any file or any folder, for an item whose own could not be looked up; never a null icon.
+    [[nodiscard]] QIcon genericIcon(bool isDirectory) const;
 
     AppViewModel *m_vm;
     /// The state object's filteredFiles at the last reload, with selection flags kept current.
@@ -78,8 +85,11 @@ private:
     /// change after a reload, so loading a list never pays for it.
     QList<qsizetype> m_fileIndexes;
     mutable QHash<QUuid, RowDetails> m_details;
-    /// Icons by kind ("/" for folders, else the lower-case extension): one lookup per kind, not per file.
+    /// Icons by kind ("/" for folders, else the lower-case extension): one lookup per kind, not per file. Only
+    /// icons found are kept.
     mutable QHash<QString, QIcon> m_iconsByKind;
+    mutable QIcon m_genericFileIcon;
+    mutable QIcon m_genericFolderIcon;
     QFileIconProvider m_iconProvider;
 };
 

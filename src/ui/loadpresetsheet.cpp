@@ -6,6 +6,7 @@
 #include "ui/appcolors.h"
 #include "ui/appfonts.h"
 #include "ui/appspacing.h"
+#include "ui/elidinglabel.h"
 #include "ui/panedivider.h"
 #include "ui/ruleeditorstyle_p.h"
 #include "ui/symbolicons.h"
@@ -14,6 +15,7 @@
 #include <QLabel>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QScrollBar>
 #include <QVBoxLayout>
 
 namespace quillfern {
@@ -23,6 +25,9 @@ using namespace Qt::StringLiterals;
 namespace {
 
 constexpr int symbolSize = 18;
+constexpr QSize minimumSheetSize{320, 360};
+/// How close the sheet may come to the edges of the window it belongs to.
+constexpr int windowMargin = AppSpacing::xl;
 
 } // namespace
 
@@ -35,23 +40,28 @@ LoadPresetSheet::LoadPresetSheet(AppViewModel *vm, PresetManager *presetManager,
     setObjectName(u"loadPresetSheet"_s);
     setWindowTitle(u"Load Preset"_s);
     setWindowModality(Qt::WindowModal);
-    setMinimumSize(320, 360);
+    setMinimumSize(minimumSheetSize);
 
     auto *headline = new QLabel(u"Load Preset"_s, this);
     headline->setObjectName(u"sheetHeadline"_s);
     headline->setFont(AppFonts::headline());
 
     m_list->setObjectName(u"presetList"_s);
-    auto *scrollArea = new QScrollArea(this);
-    scrollArea->setWidgetResizable(true);
-    scrollArea->setFrameShape(QFrame::NoFrame);
-    scrollArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    scrollArea->setWidget(m_list);
+    m_scrollArea = new QScrollArea(this);
+    m_scrollArea->setObjectName(u"presetScrollArea"_s);
+    m_scrollArea->setWidgetResizable(true);
+    m_scrollArea->setFrameShape(QFrame::NoFrame);
+    m_scrollArea->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scrollArea->setWidget(m_list);
     auto *listLayout = new QVBoxLayout(m_list);
     listLayout->setContentsMargins(0, 0, 0, 0);
     listLayout->setSpacing(AppSpacing::xs);
     showPresets();
-    connect(m_presetManager, &PresetManager::presetsChanged, this, &LoadPresetSheet::showPresets);
+    connect(m_presetManager, &PresetManager::presetsChanged, this, [this] {
+        showPresets();
+        if (isVisible())
+            fitToContent();
+    });
 
     auto *cancelButton = new QPushButton(u"Cancel"_s, this);
     cancelButton->setObjectName(u"cancelButton"_s);
@@ -65,8 +75,33 @@ LoadPresetSheet::LoadPresetSheet(AppViewModel *vm, PresetManager *presetManager,
     layout->setSpacing(AppSpacing::md);
     layout->addWidget(headline);
     layout->addWidget(new PaneDivider(Qt::Horizontal, 0, this));
-    layout->addWidget(scrollArea, 1);
+    layout->addWidget(m_scrollArea, 1);
     layout->addLayout(buttons);
+}
+
+void LoadPresetSheet::setVisible(bool visible)
+{
+    // Sized before it shows, so it opens centred over the window at its final size.
+    if (visible)
+        fitToContent();
+    QDialog::setVisible(visible);
+}
+
+void LoadPresetSheet::fitToContent()
+{
+    // The rows at their natural size (every name whole) with the sheet around them, but never larger than the
+    // window it belongs to nor smaller than its minimum; a name that then does not fit is cut.
+    m_list->layout()->activate();
+    const QSize rows = m_list->sizeHint();
+    const QSize chrome = layout()->sizeHint() - m_scrollArea->sizeHint();
+    QSize wanted = chrome + rows;
+    QSize limit = wanted;
+    if (const QWidget *parent = parentWidget())
+        limit = parent->window()->size() - QSize(2 * windowMargin, 2 * windowMargin);
+    // Rows taller than the room left scroll, and the scroll bar takes its own width.
+    if (wanted.height() > limit.height())
+        wanted.rwidth() += m_scrollArea->verticalScrollBar()->sizeHint().width();
+    resize(wanted.boundedTo(limit).expandedTo(minimumSize()));
 }
 
 void LoadPresetSheet::showPresets()
@@ -88,7 +123,8 @@ QWidget *LoadPresetSheet::makeRow(const Preset &preset, QWidget *parent)
 
     auto *symbol = new QLabel(row);
     symbol->setPixmap(SymbolIcons::icon(preset.icon, AppColors::accent()).pixmap(symbolSize, symbolSize));
-    auto *name = new QLabel(preset.name, row);
+    // A long name is cut to leave room for the Load button; the tooltip shows it whole.
+    auto *name = new ElidingLabel(preset.name, row);
     name->setObjectName(u"presetName"_s);
     name->setFont(AppFonts::label());
     auto *count = new QLabel(counted(preset.rules.size(), u"rule"), row);

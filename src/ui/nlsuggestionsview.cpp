@@ -71,8 +71,13 @@ void NLSuggestionsView::showSuggestions()
         delete item->widget();
         delete item;
     }
-    for (const ParsedRule &suggestion : m_vm->nlSuggestions())
-        m_rows->addWidget(makeRow(suggestion));
+    for (const ParsedRule &suggestion : m_vm->nlSuggestions()) {
+        QWidget *row = makeRow(suggestion);
+        m_rows->addWidget(row);
+        // A widget added to a card that already shows would appear only on a later turn of the event loop, and
+        // the card would be measured and placed without it.
+        row->show();
+    }
     setVisible(!m_vm->nlSuggestions().isEmpty());
 }
 

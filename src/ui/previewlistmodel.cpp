@@ -46,7 +46,7 @@ QVariant PreviewListModel::data(const QModelIndex &index, int role) const
     case IsChangedRole:
         return isChanged(entry);
     case LineCountRole:
-        return m_changedCount > 0 ? 2 : 1;
+        return isChanged(entry) ? 2 : 1;
     case Qt::ToolTipRole:
         return isChanged(entry) ? entry.original + u" → "_s + entry.preview : entry.original;
     }

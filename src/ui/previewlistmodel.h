@@ -10,7 +10,7 @@ namespace quillfern {
 class AppViewModel;
 
 /// The preview pane's rows: the state object's previews, in their order, cached and reset whenever the
-/// previews change. Also counts the changed names once per change, for the footer and the row height.
+/// previews change. Also counts the changed names once per change, for the footer.
 class PreviewListModel final : public QAbstractListModel
 {
     Q_OBJECT
@@ -22,8 +22,8 @@ public:
         HasConflictRole,
         /// Whether the new name differs from the current one.
         IsChangedRole,
-        /// The text lines every row makes room for: 2 while any name changes, else 1, so all rows share one
-        /// height.
+        /// The text lines the row makes room for: 2 for a changed name (the old over the new), 1 for an
+        /// unchanged one.
         LineCountRole,
     };
 

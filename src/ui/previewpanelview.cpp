@@ -45,11 +45,13 @@ PreviewPanelView::PreviewPanelView(AppViewModel *vm, QWidget *parent)
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(createHeader());
+    m_header = createHeader();
+    layout->addWidget(m_header);
     layout->addWidget(new PaneDivider(Qt::Horizontal, 0, this));
     layout->addWidget(createList(), 1);
     layout->addWidget(new PaneDivider(Qt::Horizontal, 0, this));
-    layout->addWidget(createFooter());
+    m_footer = createFooter();
+    layout->addWidget(m_footer);
 
     connect(m_model, &PreviewListModel::modelReset, this, &PreviewPanelView::update);
     connect(vm, &AppViewModel::filesChanged, this, &PreviewPanelView::update);
@@ -87,8 +89,8 @@ QWidget *PreviewPanelView::createList()
     m_list->setObjectName(u"previewList"_s);
     m_list->setModel(m_model);
     m_list->setItemDelegate(m_rowView);
-    // One height for all rows lets the view place any row without measuring the others.
-    m_list->setUniformItemSizes(true);
+    // A changed name takes two lines, an unchanged one a single line.
+    m_list->setUniformItemSizes(false);
     m_list->setSelectionMode(QAbstractItemView::NoSelection);
     m_list->setFocusPolicy(Qt::NoFocus);
     m_list->setFrameShape(QFrame::NoFrame);
@@ -189,14 +191,17 @@ void PreviewPanelView::update()
 void PreviewPanelView::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);
-    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ApplicationPaletteChange)
+    if (event->type() == QEvent::PaletteChange || event->type() == QEvent::ApplicationPaletteChange
+        || event->type() == QEvent::FontChange || event->type() == QEvent::ApplicationFontChange)
         applyTheme();
 }
 
 void PreviewPanelView::applyTheme()
 {
     m_exportButton->setIcon(SymbolIcons::icon(u"square.and.arrow.up"_s));
-    m_rowView->clearSymbolCache();
+    m_rowView->clearCaches();
+    // Rows are measured again, as the font may have changed their height.
+    m_list->doItemsLayout();
     m_list->viewport()->update();
 }
 

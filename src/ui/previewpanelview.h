@@ -23,6 +23,11 @@ class PreviewPanelView final : public QWidget
 public:
     explicit PreviewPanelView(AppViewModel *vm, QWidget *parent = nullptr);
 
+    /// The bar at the top of the pane; the window gives the three panes' bars one height.
+    [[nodiscard]] QWidget *header() const { return m_header; }
+    /// The bar at the bottom of the pane; the window gives it the height of the other panes' bottom bars.
+    [[nodiscard]] QWidget *footer() const { return m_footer; }
+
 protected:
     void changeEvent(QEvent *event) override;
 
@@ -40,6 +45,8 @@ private:
     PreviewListModel *m_model;
     PreviewRowView *m_rowView;
     QListView *m_list = nullptr;
+    QWidget *m_header = nullptr;
+    QWidget *m_footer = nullptr;
     QStackedWidget *m_content = nullptr;
     QWidget *m_emptyState = nullptr;
     QWidget *m_noRulesState = nullptr;

@@ -26,16 +26,18 @@ PreviewRowView::PreviewRowView(QObject *parent)
 {
 }
 
-void PreviewRowView::clearSymbolCache()
+void PreviewRowView::clearCaches()
 {
     m_symbols.clear();
+    m_lineHeight = 0;
 }
 
 QSize PreviewRowView::sizeHint(const QStyleOptionViewItem &, const QModelIndex &index) const
 {
     const int lines = index.data(PreviewListModel::LineCountRole).toInt();
-    const int lineHeight = QFontMetrics(AppFonts::monoSmall()).height();
-    return {0, lines * lineHeight + (lines - 1) * lineSpacing + 2 * verticalPadding};
+    if (m_lineHeight == 0)
+        m_lineHeight = QFontMetrics(AppFonts::monoSmall()).height();
+    return {0, lines * m_lineHeight + (lines - 1) * lineSpacing + 2 * verticalPadding};
 }
 
 void PreviewRowView::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
@@ -54,7 +56,6 @@ void PreviewRowView::paint(QPainter *painter, const QStyleOptionViewItem &option
     const int lineHeight = painter->fontMetrics().height();
     const QRect content = option.rect.adjusted(AppSpacing::md, verticalPadding, -AppSpacing::md, -verticalPadding);
     if (!isChanged) {
-        // A single line sits in the middle of a row that has room for two.
         const QRect line(content.left(), content.center().y() - lineHeight / 2, content.width(), lineHeight);
         paintLine(painter,
             line,

@@ -9,7 +9,7 @@ namespace quillfern {
 /// Draws one preview row: an unchanged name dimmed after an "equal" mark; a changed name as the old name
 /// struck through after a minus over the new name after a plus; conflicts in the conflict colours with a
 /// warning mark, on a red tint that wins over the hover tint. Rows are drawn, not built from widgets, so a list
-/// of any length costs only the rows on screen. All rows have the height the model asks for.
+/// of any length costs only the rows on screen. Each row has the number of lines the model asks for.
 class PreviewRowView final : public QStyledItemDelegate
 {
     Q_OBJECT
@@ -20,8 +20,8 @@ public:
     void paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const override;
     [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem &option, const QModelIndex &index) const override;
 
-    /// Forgets the drawn symbols, for a new palette.
-    void clearSymbolCache();
+    /// Forgets the drawn symbols and the measured line height, for a new palette or font.
+    void clearCaches();
 
 private:
     /// One line: a mark in its 12-wide box, then the text; returns where the text ends.
@@ -34,6 +34,8 @@ private:
     [[nodiscard]] QPixmap symbol(const QString &name, const QColor &color, qreal devicePixelRatio) const;
 
     mutable QHash<QString, QPixmap> m_symbols;
+    /// The height of a line of names, measured on first use: the list asks every row for its height.
+    mutable int m_lineHeight = 0;
 };
 
 } // namespace quillfern

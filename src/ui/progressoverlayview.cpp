@@ -51,9 +51,20 @@ ProgressOverlayView::ProgressOverlayView(QWidget *parent)
 
 bool ProgressOverlayView::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == parentWidget() && event->type() == QEvent::Resize)
-        setGeometry(parentWidget()->rect());
+    if (watched == parentWidget()) {
+        if (event->type() == QEvent::Resize)
+            setGeometry(parentWidget()->rect());
+        // A widget added beside the overlay would be stacked above it.
+        else if (event->type() == QEvent::ChildAdded && isVisible())
+            raise();
+    }
     return QWidget::eventFilter(watched, event);
+}
+
+void ProgressOverlayView::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    raise();
 }
 
 void ProgressOverlayView::paintEvent(QPaintEvent *)

@@ -1,17 +1,17 @@
 #include "ui/renameresultview.h"
 
-#include "model/nativepath.h"
 #include "state/appviewmodel.h"
 #include "ui/appcolors.h"
 #include "ui/appfonts.h"
 #include "ui/appspacing.h"
 #include "ui/prominentbutton.h"
+#include "ui/renamefailurelistmodel.h"
+#include "ui/renamefailurerowview.h"
 #include "ui/symbolicons.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QScrollArea>
-#include <QStyle>
+#include <QTreeView>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -24,7 +24,8 @@ namespace {
 
 constexpr int sheetWidth = 400;
 constexpr int iconSize = 48;
-constexpr int errorListMaximumHeight = 120;
+/// The error list is as tall as its rows up to this height; beyond it the list scrolls.
+constexpr int errorListMaximumHeight = 220;
 constexpr int errorBoxCornerRadius = 8;
 
 QLabel *makeLabel(const QString &text, const QFont &font, const QColor &color, QWidget *parent)
@@ -58,56 +59,6 @@ makeCounter(const QString &objectName, qsizetype count, const QString &caption, 
     layout->addWidget(number, 0, Qt::AlignHCenter);
     layout->addWidget(text, 0, Qt::AlignHCenter);
     return counter;
-}
-
-/// `text` as it is when it fits in `width`, else cut with an ellipsis. (Eliding a text that just fits can still
-/// cut it, as the two measurements round differently.)
-QString fitted(const QFontMetrics &metrics, const QString &text, Qt::TextElideMode mode, int width)
-{
-    return metrics.horizontalAdvance(text) <= width ? text : metrics.elidedText(text, mode, width);
-}
-
-/// One failure: a red cross, the file's name and, pushed to the right, why it failed, each cut to fit one line.
-QWidget *makeErrorRow(const RenameResult &result, int rowWidth, QWidget *parent)
-{
-    auto *row = new QWidget(parent);
-    row->setObjectName(u"errorRow"_s);
-    const QFont captionFont = AppFonts::caption();
-    const int markSize = QFontMetrics(captionFont).height();
-    auto *mark = new QLabel(row);
-    mark->setPixmap(SymbolIcons::icon(u"xmark.circle.fill"_s, AppColors::danger()).pixmap(markSize, markSize));
-
-    const QString name = result.originalURL.fileNameText();
-    // A failure without words says so rather than leaving the row blank.
-    const QString reason = result.error.value_or(QString()).isEmpty() ? u"Unknown error"_s : *result.error;
-    const QFontMetrics nameMetrics(captionFont);
-    const QFont reasonFont = AppFonts::caption2();
-    const QFontMetrics reasonMetrics(reasonFont);
-    // Both texts fit when they can; otherwise each gets at least half of the line and is cut in its own way.
-    const int available = rowWidth - markSize - 3 * AppSpacing::sm;
-    const int nameWidth = std::min(nameMetrics.horizontalAdvance(name),
-        std::max(available / 2, available - reasonMetrics.horizontalAdvance(reason)));
-    auto *nameLabel = makeLabel(fitted(nameMetrics, name, Qt::ElideMiddle, nameWidth),
-        captionFont,
-        row->palette().color(QPalette::WindowText),
-        row);
-    nameLabel->setObjectName(u"errorName"_s);
-    nameLabel->setToolTip(name);
-    auto *reasonLabel = makeLabel(fitted(reasonMetrics, reason, Qt::ElideRight, available - nameWidth),
-        reasonFont,
-        AppColors::secondary(),
-        row);
-    reasonLabel->setObjectName(u"errorReason"_s);
-    reasonLabel->setToolTip(reason);
-
-    auto *layout = new QHBoxLayout(row);
-    layout->setContentsMargins({});
-    layout->setSpacing(AppSpacing::sm);
-    layout->addWidget(mark);
-    layout->addWidget(nameLabel);
-    layout->addStretch();
-    layout->addWidget(reasonLabel);
-    return row;
 }
 
 } // namespace
@@ -192,35 +143,42 @@ QWidget *RenameResultView::makeErrorBox()
     auto *title = new QLabel(u"Errors:"_s, box);
     title->setFont(AppFonts::label());
 
-    auto *rows = new QWidget;
-    rows->setObjectName(u"errorRows"_s);
-    auto *rowsLayout = new QVBoxLayout(rows);
-    rowsLayout->setContentsMargins({});
-    rowsLayout->setSpacing(AppSpacing::xs);
-    const int rowWidth =
-        sheetWidth - 2 * AppSpacing::xl - 2 * AppSpacing::md - style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-    for (const RenameResult &result : m_vm->lastRenameResults()) {
-        if (!result.success)
-            rowsLayout->addWidget(makeErrorRow(result, rowWidth, rows));
-    }
-
-    auto *scroll = new QScrollArea(box);
-    scroll->setObjectName(u"errorList"_s);
-    scroll->setWidget(rows);
-    scroll->setWidgetResizable(true);
-    scroll->setFrameShape(QFrame::NoFrame);
-    scroll->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    // As tall as its rows, up to the limit; beyond it the list scrolls.
-    scroll->setFixedHeight(std::min(rows->sizeHint().height(), errorListMaximumHeight));
+    // A view over the failures, with a delegate drawing each row: a batch can fail by the ten thousand. Rows have
+    // the height of their texts; a tree view scrolling by rows measures only the rows it shows (and the last
+    // page), where a list view would measure every row before showing any. It is set up before it gets its rows,
+    // as some settings lay out every row at once.
+    auto *list = new QTreeView(box);
+    list->setObjectName(u"errorList"_s);
+    auto *rowView = new RenameFailureRowView(list);
+    list->setItemDelegate(rowView);
+    list->setHeaderHidden(true);
+    list->setRootIsDecorated(false);
+    list->setItemsExpandable(false);
+    list->setIndentation(0);
+    list->setUniformRowHeights(false);
+    list->setVerticalScrollMode(QAbstractItemView::ScrollPerItem);
+    list->setSelectionMode(QAbstractItemView::NoSelection);
+    list->setFrameShape(QFrame::NoFrame);
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     // The rows lie on the box's own fill.
-    scroll->viewport()->setAutoFillBackground(false);
-    rows->setAutoFillBackground(false);
+    list->viewport()->setAutoFillBackground(false);
+    list->setFixedWidth(sheetWidth - 2 * AppSpacing::xl - 2 * AppSpacing::md);
+    list->setModel(new RenameFailureListModel(m_vm->lastRenameResults(), list));
+    // As tall as its rows, up to the limit; beyond it the list scrolls. Only the first rows are measured.
+    QStyleOptionViewItem option;
+    option.initFrom(list);
+    option.widget = list;
+    const QAbstractItemModel *failures = list->model();
+    int rowsHeight = 0;
+    for (int row = 0; row < failures->rowCount() && rowsHeight < errorListMaximumHeight; ++row)
+        rowsHeight += rowView->sizeHint(option, failures->index(row, 0)).height();
+    list->setFixedHeight(std::min(rowsHeight, errorListMaximumHeight) + 2 * list->frameWidth());
 
     auto *layout = new QVBoxLayout(box);
     layout->setContentsMargins(AppSpacing::md, AppSpacing::md, AppSpacing::md, AppSpacing::md);
     layout->setSpacing(AppSpacing::xs);
     layout->addWidget(title);
-    layout->addWidget(scroll);
+    layout->addWidget(list);
     return box;
 }
 

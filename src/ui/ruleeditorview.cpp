@@ -5,6 +5,7 @@
 #include "ui/appcolors.h"
 #include "ui/appfonts.h"
 #include "ui/appspacing.h"
+#include "ui/commandfield.h"
 #include "ui/loadpresetsheet.h"
 #include "ui/nlsuggestionsview.h"
 #include "ui/panedivider.h"
@@ -19,7 +20,6 @@
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QHash>
-#include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
 #include <QScrollArea>
@@ -60,7 +60,8 @@ RuleEditorView::RuleEditorView(AppViewModel *vm, PresetManager *presetManager, Q
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(0);
-    layout->addWidget(makeHeader());
+    m_header = makeHeader();
+    layout->addWidget(m_header);
     layout->addWidget(new PaneDivider(Qt::Horizontal, 0, this));
     layout->addWidget(makeRuleList(), 1);
     layout->addWidget(makeAddRuleBar());
@@ -243,7 +244,8 @@ QWidget *RuleEditorView::makeNaturalLanguageBar(QWidget *parent)
     m_naturalLanguageBar = new QWidget(parent);
     m_naturalLanguageBar->setObjectName(u"naturalLanguageBar"_s);
 
-    m_naturalLanguageField = new QLineEdit(m_naturalLanguageBar);
+    // The field wraps, so its placeholder (the example included) reads whole in a pane of the default width.
+    m_naturalLanguageField = new CommandField(m_naturalLanguageBar);
     m_naturalLanguageField->setObjectName(u"naturalLanguageField"_s);
     m_naturalLanguageField->setPlaceholderText(u"Natural language... (e.g. Replace TERVANE with Solutions)"_s);
     m_naturalLanguageField->setAccessibleName(u"Natural language command"_s);
@@ -252,12 +254,14 @@ QWidget *RuleEditorView::makeNaturalLanguageBar(QWidget *parent)
     m_parseButton->setObjectName(u"parseButton"_s);
 
     // Typing only updates the input; parsing waits for Return or "Parse".
-    connect(m_naturalLanguageField, &QLineEdit::textEdited, m_vm, &AppViewModel::setNaturalLanguageInput);
+    connect(m_naturalLanguageField, &CommandField::textChanged, m_vm, [this] {
+        m_vm->setNaturalLanguageInput(m_naturalLanguageField->text());
+    });
     connect(m_vm, &AppViewModel::naturalLanguageInputChanged, m_naturalLanguageField, [this] {
         if (m_naturalLanguageField->text() != m_vm->naturalLanguageInput())
             m_naturalLanguageField->setText(m_vm->naturalLanguageInput());
     });
-    connect(m_naturalLanguageField, &QLineEdit::returnPressed, m_vm, &AppViewModel::parseNaturalLanguage);
+    connect(m_naturalLanguageField, &CommandField::submitted, m_vm, &AppViewModel::parseNaturalLanguage);
     connect(m_parseButton, &QPushButton::clicked, m_vm, &AppViewModel::parseNaturalLanguage);
 
     auto *layout = new QHBoxLayout(m_naturalLanguageBar);

@@ -5,7 +5,6 @@
 #include <QWidget>
 
 class QGridLayout;
-class QLineEdit;
 class QPushButton;
 class QShortcut;
 class QStackedWidget;
@@ -15,6 +14,7 @@ class QVBoxLayout;
 namespace quillfern {
 
 class AppViewModel;
+class CommandField;
 class LoadPresetSheet;
 class NLSuggestionsView;
 class PresetManager;
@@ -38,6 +38,8 @@ public:
     [[nodiscard]] const QList<RuleRowView *> &rows() const { return m_rows; }
     /// The id of the rule whose editor is open; it may name no rule any more once that rule was removed.
     [[nodiscard]] QUuid expandedRuleId() const { return m_expandedRuleId; }
+    /// The bar at the top of the pane; the window gives the three panes' bars one height.
+    [[nodiscard]] QWidget *header() const { return m_header; }
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -70,6 +72,7 @@ private:
     AppViewModel *m_vm;
     PresetManager *m_presetManager;
 
+    QWidget *m_header = nullptr;
     QToolButton *m_loadPresetButton = nullptr;
     QToolButton *m_savePresetButton = nullptr;
     QStackedWidget *m_listStack = nullptr;
@@ -84,7 +87,7 @@ private:
     QList<QToolButton *> m_addButtons;
     int m_addButtonColumns = 0;
     QWidget *m_naturalLanguageBar = nullptr;
-    QLineEdit *m_naturalLanguageField = nullptr;
+    CommandField *m_naturalLanguageField = nullptr;
     QPushButton *m_parseButton = nullptr;
     NLSuggestionsView *m_suggestions = nullptr;
     QShortcut *m_dismissShortcut = nullptr;

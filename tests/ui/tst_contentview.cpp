@@ -1,17 +1,23 @@
 #include "presets/presetmanager.h"
 #include "state/appviewmodel.h"
+#include "ui/appfonts.h"
 #include "ui/contentview.h"
 #include "ui/dialogpanelprovider.h"
 #include "ui/progressoverlayview.h"
 #include "ui/prominentbutton.h"
+#include "ui/renamefailurelistmodel.h"
 #include "ui/renameresultview.h"
 #include "uitesthelpers.h"
 
+#include <QAbstractItemModelTester>
+#include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QFileSystemModel>
 #include <QLabel>
+#include <QLineEdit>
 #include <QListView>
 #include <QMessageBox>
+#include <QProxyStyle>
 #include <QPushButton>
 #include <QScopeGuard>
 #include <QSplitter>
@@ -55,6 +61,68 @@ public:
     std::optional<ItemIdentity> identity(const NativePath &) override { return std::nullopt; }
 };
 
+/// A desktop whose item views open an item with a single click, as Plasma's do by default.
+class ClickOpensItemsStyle final : public QProxyStyle
+{
+public:
+    ClickOpensItemsStyle()
+        : QProxyStyle(u"Fusion"_s)
+    {
+    }
+
+    int styleHint(StyleHint hint,
+        const QStyleOption *option,
+        const QWidget *widget,
+        QStyleHintReturn *returnData) const override
+    {
+        if (hint == SH_ItemView_ActivateItemOnSingleClick)
+            return 1;
+        return QProxyStyle::styleHint(hint, option, widget, returnData);
+    }
+};
+
+/// Shows `folder` in the open panel and clicks the items named `names` in its visible view, the first alone and
+/// the others with Ctrl held, as a user picks several items.
+void clickInPanel(QFileDialog *dialog, const QString &folder, const QStringList &names)
+{
+    dialog->setDirectory(folder);
+    // The dialog lists a folder in the background; click once the listing is there.
+    auto *listing = dialog->findChild<QFileSystemModel *>();
+    QVERIFY(listing);
+    QTRY_COMPARE(listing->rowCount(listing->index(folder)), int(QDir(folder).count()) - 2);
+    QAbstractItemView *view = dialog->findChild<QListView *>(u"listView"_s);
+    if (!view->isVisible())
+        view = dialog->findChild<QAbstractItemView *>(u"treeView"_s);
+    QVERIFY(view && view->isVisible());
+    Qt::KeyboardModifiers modifiers;
+    for (const QString &name : names) {
+        const QRect item = view->visualRect(listing->index(QDir(folder).filePath(name)));
+        QVERIFY(!item.isEmpty());
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, modifiers, item.center());
+        modifiers = Qt::ControlModifier;
+    }
+}
+
+/// Moves nothing and fails every move with the same message.
+class FailingMover final : public FileMover
+{
+public:
+    explicit FailingMover(QString message)
+        : m_message(std::move(message))
+    {
+    }
+    std::optional<MoveError> move(const NativePath &, const NativePath &) override
+    {
+        return MoveError{MoveError::Kind::Other, m_message};
+    }
+    bool isSameItem(const NativePath &, const NativePath &) override { return false; }
+    bool exists(const NativePath &) override { return false; }
+    std::optional<ItemIdentity> identity(const NativePath &) override { return std::nullopt; }
+
+private:
+    QString m_message;
+};
+
 QString labelText(const QWidget *parent, const QString &objectName)
 {
     const auto *label = parent->findChild<QLabel *>(objectName);
@@ -81,6 +149,8 @@ private Q_SLOTS:
     void topBarButtonsCarryShortcutsAndTooltips();
     void historyButtonsFollowTheStacks();
     void panesHaveTheirWidthLimits();
+    void paneBarsLineUp_data();
+    void paneBarsLineUp();
     void alertTitleCountsSelectedFiles_data();
     void alertTitleCountsSelectedFiles();
     void alertMessageWarnsAboutConflicts_data();
@@ -89,8 +159,12 @@ private Q_SLOTS:
     void cancellingTheAlertRenamesNothing();
     void confirmingRenamesAndShowsSuccess();
     void failuresAreListedInTheResultSheet();
+    void longFailuresAreShownWhole();
+    void thousandsOfFailuresMakeNoWidgetPerRow();
     void overlayCoversTheWindowWhileRenaming();
-    void importButtonAddsChosenFilesAndFolders();
+    void importPanelAddsClickedFilesAndFolders_data();
+    void importPanelAddsClickedFilesAndFolders();
+    void importPanelReopensWhereTheLastImportWas();
     void screenshots_data();
     void screenshots();
 
@@ -108,10 +182,12 @@ private:
 
 void TestContentView::initTestCase()
 {
-    // The preset store writes its file under the data home: keep it out of the real one.
+    // The preset store writes its file under the data home, Qt's file dialog its state under the configuration
+    // home: keep both out of the real ones.
     m_dataHome = std::make_unique<QTemporaryDir>();
     QVERIFY(m_dataHome->isValid());
-    qputenv("XDG_DATA_HOME", m_dataHome->path().toUtf8());
+    qputenv("XDG_DATA_HOME", m_dataHome->filePath(u"data"_s).toUtf8());
+    qputenv("XDG_CONFIG_HOME", m_dataHome->filePath(u"config"_s).toUtf8());
 }
 
 void TestContentView::init()
@@ -343,6 +419,38 @@ void TestContentView::panesHaveTheirWidthLimits()
     QVERIFY(preview->width() >= 240);
 }
 
+void TestContentView::paneBarsLineUp_data()
+{
+    QTest::addColumn<QStringList>("bars");
+    QTest::addColumn<bool>("alongTheirTop");
+    QTest::newRow("the three panes' headers end on one line")
+        << QStringList{u"ruleEditorHeader"_s, u"fileListToolbar"_s, u"previewHeader"_s} << false;
+    QTest::newRow("the file list's and the preview's bottom bars start on one line")
+        << QStringList{u"fileListStatusBar"_s, u"previewFooter"_s} << true;
+}
+
+void TestContentView::paneBarsLineUp()
+{
+    QFETCH(QStringList, bars);
+    QFETCH(bool, alongTheirTop);
+    // With files, rules and a conflict, so each bar shows all it can.
+    m_vm->addFiles(uitest::createFiles(*m_files, {u"a.txt"_s, u"a.md"_s}));
+    m_vm->addRule(sameExtensionRule());
+    QApplication::processEvents();
+    QList<int> edges;
+    for (const QString &name : bars) {
+        auto *bar = m_view->findChild<QWidget *>(name);
+        QVERIFY2(bar && bar->isVisible(), qPrintable(name));
+        // Nothing in a bar is cut by the shared height.
+        for (const QWidget *child : bar->findChildren<QWidget *>(Qt::FindDirectChildrenOnly)) {
+            if (child->isVisible())
+                QVERIFY2(bar->rect().contains(child->geometry()), qPrintable(child->objectName()));
+        }
+        edges.append(bar->mapTo(m_view.get(), QPoint(0, alongTheirTop ? 0 : bar->height())).y());
+    }
+    QCOMPARE(edges.count(edges.constFirst()), edges.size());
+}
+
 void TestContentView::alertTitleCountsSelectedFiles_data()
 {
     QTest::addColumn<int>("selectedCount");
@@ -477,15 +585,80 @@ void TestContentView::failuresAreListedInTheResultSheet()
     QCOMPARE(labelText(sheet, u"renamedCounterNumber"_s), u"0"_s);
     QCOMPARE(labelText(sheet, u"failedCounterNumber"_s), u"2"_s);
     QVERIFY(sheet->findChild<QWidget *>(u"errorBox"_s));
-    const QList<QWidget *> rows = sheet->findChildren<QWidget *>(u"errorRow"_s);
-    QCOMPARE(rows.size(), 2);
-    QCOMPARE(labelText(rows.at(0), u"errorName"_s), u"a.txt"_s);
-    QCOMPARE(labelText(rows.at(1), u"errorName"_s), u"b.txt"_s);
-    QCOMPARE(labelText(rows.at(0), u"errorReason"_s), u"Unknown error"_s);
+    auto *list = sheet->findChild<QAbstractItemView *>(u"errorList"_s);
+    QVERIFY(list);
+    QAbstractItemModelTester tester(list->model(), QAbstractItemModelTester::FailureReportingMode::QtTest);
+    QCOMPARE(list->model()->rowCount(), 2);
+    QCOMPARE(list->model()->index(0, 0).data().toString(), u"a.txt"_s);
+    QCOMPARE(list->model()->index(1, 0).data().toString(), u"b.txt"_s);
+    QCOMPARE(list->model()->index(0, 0).data(RenameFailureListModel::ReasonRole).toString(), u"Unknown error"_s);
+    // Both rows show whole, one under the other.
+    QVERIFY(
+        list->visualRect(list->model()->index(1, 0)).top() >= list->visualRect(list->model()->index(0, 0)).bottom());
+    QVERIFY(list->viewport()->rect().contains(list->visualRect(list->model()->index(1, 0))));
 
     // Escape closes the sheet like Done, and the flag follows.
     QTest::keyClick(sheet, Qt::Key_Escape);
     QTRY_VERIFY(!m_vm->showRenameResult());
+}
+
+void TestContentView::longFailuresAreShownWhole()
+{
+    const QString reason = u"The new name is 412 bytes long; a file name can have at most 255. Shorten what the rules "
+                           u"insert or remove part of the name, then rename again."_s;
+    const QString name = QString(u"a"_s).repeated(90) + u".txt"_s;
+    m_vm->setFileMover(std::make_shared<FailingMover>(reason));
+    m_vm->addFiles(uitest::createFiles(*m_files, {name, u"b.txt"_s}));
+    m_vm->addRule(prefixRule(u"new_"_s));
+    m_vm->performRename();
+    RenameResultView *sheet = nullptr;
+    QTRY_VERIFY((sheet = uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s)));
+    auto *list = sheet->findChild<QAbstractItemView *>(u"errorList"_s);
+    QVERIFY(list);
+    QCOMPARE(list->model()->index(0, 0).data(RenameFailureListModel::ReasonRole).toString(), reason);
+    uitest::saveScreenshot(sheet, u"result-long-failures"_s);
+
+    // Neither text fits one line of the list; each row is tall enough for all the lines its texts need.
+    const QFontMetrics nameMetrics(AppFonts::caption());
+    const QFontMetrics reasonMetrics(AppFonts::caption2());
+    const int width = list->viewport()->width();
+    QVERIFY(nameMetrics.horizontalAdvance(name) > width);
+    QVERIFY(reasonMetrics.horizontalAdvance(reason) > width);
+    const auto linesAtLeast = [width](const QFontMetrics &metrics, const QString &text) {
+        return (metrics.horizontalAdvance(text) + width - 1) / width;
+    };
+    const QRect first = list->visualRect(list->model()->index(0, 0));
+    const QRect second = list->visualRect(list->model()->index(1, 0));
+    QVERIFY(first.height() >= linesAtLeast(nameMetrics, name) * nameMetrics.lineSpacing()
+            + linesAtLeast(reasonMetrics, reason) * reasonMetrics.lineSpacing());
+    QVERIFY(second.height() < first.height());
+    QVERIFY(second.top() > first.bottom());
+    QVERIFY(list->viewport()->rect().contains(first));
+}
+
+void TestContentView::thousandsOfFailuresMakeNoWidgetPerRow()
+{
+    constexpr int failureCount = 20'000;
+    QList<NativePath> locations;
+    for (int index = 0; index < failureCount; ++index)
+        locations.append(NativePath::fromText(m_files->filePath(u"IMG_%1.jpg"_s.arg(index))));
+    m_vm->setFileMover(std::make_shared<FailingMover>(u"Permission denied"_s));
+    m_vm->addFiles(locations);
+    m_vm->addRule(prefixRule(u"new_"_s));
+    m_vm->performRename();
+    RenameResultView *sheet = nullptr;
+    QTRY_VERIFY_WITH_TIMEOUT((sheet = uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s)), 20'000);
+    QCOMPARE(labelText(sheet, u"failedCounterNumber"_s), QString::number(failureCount));
+    auto *list = sheet->findChild<QAbstractItemView *>(u"errorList"_s);
+    QVERIFY(list);
+    QCOMPARE(list->model()->rowCount(), failureCount);
+    // The whole sheet is a few dozen widgets, however many rows its list has.
+    QVERIFY(sheet->findChildren<QWidget *>().size() < 50);
+
+    const QModelIndex last = list->model()->index(failureCount - 1, 0);
+    list->scrollTo(last);
+    QVERIFY(list->viewport()->rect().contains(list->visualRect(last)));
+    QCOMPARE(last.data().toString(), u"IMG_%1.jpg"_s.arg(failureCount - 1));
 }
 
 void TestContentView::overlayCoversTheWindowWhileRenaming()
@@ -516,6 +689,21 @@ void TestContentView::overlayCoversTheWindowWhileRenaming()
     QCOMPARE(m_view->childAt(m_view->findChild<QWidget *>(u"undoButton"_s)->mapTo(m_view.get(), QPoint(4, 4))),
         overlay);
 
+    // Whatever appears in the window meanwhile stays under the overlay: a widget added beside the content, and
+    // the drop zone of a list emptied by the state object.
+    auto *latecomer = new QLabel(u"latecomer"_s, m_view.get());
+    latecomer->setGeometry(m_view->rect());
+    latecomer->show();
+    m_vm->clearFiles();
+    QTest::qWait(0);
+    for (const QPoint &point :
+        {m_view->rect().center(), QPoint(10, 10), m_view->rect().bottomRight() - QPoint(10, 10)}) {
+        QWidget *top = m_view->childAt(point);
+        QVERIFY(top == overlay || overlay->isAncestorOf(top));
+    }
+    uitest::saveScreenshot(m_view.get(), u"window-renaming-emptied"_s);
+    delete latecomer;
+
     mover->release();
     QTRY_VERIFY(!m_vm->isRenaming());
     QVERIFY(!overlay->isVisible());
@@ -524,10 +712,39 @@ void TestContentView::overlayCoversTheWindowWhileRenaming()
     QTRY_VERIFY(uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s));
 }
 
-void TestContentView::importButtonAddsChosenFilesAndFolders()
+void TestContentView::importPanelAddsClickedFilesAndFolders_data()
 {
+    QTest::addColumn<QFileDialog::ViewMode>("viewMode");
+    QTest::addColumn<bool>("clickOpensItems");
+    QTest::addColumn<QStringList>("clicked");
+    QTest::newRow("a folder clicked in the detail view is added")
+        << QFileDialog::Detail << false << QStringList{u"folder"_s};
+    QTest::newRow("a file and a folder clicked together are both added")
+        << QFileDialog::Detail << false << QStringList{u"a.txt"_s, u"folder"_s};
+    QTest::newRow("a folder clicked in the list view is added")
+        << QFileDialog::List << false << QStringList{u"folder"_s};
+    QTest::newRow("where a click opens items, a clicked folder is added, not entered")
+        << QFileDialog::Detail << true << QStringList{u"folder"_s};
+    QTest::newRow("where a click opens items, a folder and a file clicked together are both added")
+        << QFileDialog::List << true << QStringList{u"folder"_s, u"a.txt"_s};
+}
+
+void TestContentView::importPanelAddsClickedFilesAndFolders()
+{
+    QFETCH(QFileDialog::ViewMode, viewMode);
+    QFETCH(bool, clickOpensItems);
+    QFETCH(QStringList, clicked);
+    const QString originalStyle = QApplication::style()->name();
+    const QPalette originalPalette = QApplication::palette();
+    const auto restoreStyle = qScopeGuard([&] {
+        QApplication::setStyle(originalStyle);
+        QApplication::setPalette(originalPalette);
+    });
+    if (clickOpensItems)
+        QApplication::setStyle(new ClickOpensItemsStyle);
     uitest::createFiles(*m_files, {u"a.txt"_s, u"b.txt"_s});
     QVERIFY(QDir(m_files->path()).mkdir(u"folder"_s));
+
     bool wasAnswered = false;
     uitest::answerWhenShown<QFileDialog>(QString(DialogPanelProvider::openPanelName), [&](QFileDialog *dialog) {
         const auto closeOnExit = qScopeGuard([dialog] {
@@ -535,18 +752,13 @@ void TestContentView::importButtonAddsChosenFilesAndFolders()
                 dialog->reject();
         });
         QCOMPARE(dialog->windowTitle(), u"Add Files & Folders"_s);
-        dialog->setDirectory(m_files->path());
-        // The dialog lists a folder in the background; choose once the listing is there.
-        auto *listing = dialog->findChild<QFileSystemModel *>();
-        QVERIFY(listing);
-        QTRY_COMPARE(listing->rowCount(listing->index(m_files->path())), 3);
-        // Select a file and a folder in the list, as a user does with Ctrl and a click.
-        auto *list = dialog->findChild<QListView *>(u"listView"_s);
-        QVERIFY(list);
-        for (const QString &name : {u"a.txt"_s, u"folder"_s})
-            list->selectionModel()->select(listing->index(m_files->filePath(name)),
-                QItemSelectionModel::Select | QItemSelectionModel::Rows);
-        QMetaObject::invokeMethod(dialog, "accept");
+        dialog->setViewMode(viewMode);
+        clickInPanel(dialog, m_files->path(), clicked);
+        // The name field lists every chosen item, folders too.
+        const QString names = dialog->findChild<QLineEdit *>(u"fileNameEdit"_s)->text();
+        for (const QString &name : std::as_const(clicked))
+            QVERIFY2(names.contains(name), qPrintable(names));
+        QTest::mouseClick(dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open), Qt::LeftButton);
         wasAnswered = dialog->result() == QDialog::Accepted;
     });
     QTest::mouseClick(m_view->findChild<QPushButton *>(u"topBarImportButton"_s), Qt::LeftButton);
@@ -555,8 +767,55 @@ void TestContentView::importButtonAddsChosenFilesAndFolders()
     QStringList names;
     for (const FileItem &item : m_vm->files())
         names.append(item.originalName());
-    QCOMPARE(names, (QStringList{u"a.txt"_s, u"folder"_s}));
-    QVERIFY(m_vm->files().at(1).isDirectory);
+    names.sort();
+    clicked.sort();
+    QCOMPARE(names, clicked);
+    for (const FileItem &item : m_vm->files())
+        QCOMPARE(item.isDirectory, item.originalName() == u"folder"_s);
+}
+
+void TestContentView::importPanelReopensWhereTheLastImportWas()
+{
+    QTemporaryDir first;
+    QTemporaryDir second;
+    uitest::createFiles(first, {u"a.txt"_s});
+    uitest::createFiles(second, {u"b.txt"_s});
+    auto *importButton = m_view->findChild<QPushButton *>(u"topBarImportButton"_s);
+    QString shownAt;
+    const auto answer = [&](const std::function<void(QFileDialog *)> &act) {
+        shownAt.clear();
+        uitest::answerWhenShown<QFileDialog>(QString(DialogPanelProvider::openPanelName),
+            [&, act](QFileDialog *dialog) {
+                const auto closeOnExit = qScopeGuard([dialog] {
+                    if (dialog->isVisible())
+                        dialog->reject();
+                });
+                shownAt = dialog->directory().absolutePath();
+                act(dialog);
+            });
+        QTest::mouseClick(importButton, Qt::LeftButton);
+    };
+    const auto open = [](QFileDialog *dialog) {
+        QTest::mouseClick(dialog->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Open), Qt::LeftButton);
+    };
+
+    answer([&](QFileDialog *dialog) {
+        clickInPanel(dialog, first.path(), {u"a.txt"_s});
+        open(dialog);
+    });
+    QCOMPARE(m_vm->files().size(), 1);
+    // Browsing elsewhere and cancelling does not move the place the panel opens in.
+    answer([&](QFileDialog *dialog) { clickInPanel(dialog, second.path(), {u"b.txt"_s}); });
+    QCOMPARE(shownAt, QDir(first.path()).absolutePath());
+    QCOMPARE(m_vm->files().size(), 1);
+    answer([&](QFileDialog *dialog) {
+        clickInPanel(dialog, second.path(), {u"b.txt"_s});
+        open(dialog);
+    });
+    QCOMPARE(shownAt, QDir(first.path()).absolutePath());
+    QCOMPARE(m_vm->files().size(), 2);
+    answer([](QFileDialog *) {});
+    QCOMPARE(shownAt, QDir(second.path()).absolutePath());
 }
 
 void TestContentView::screenshots_data()
@@ -580,6 +839,14 @@ void TestContentView::screenshots()
     const QString suffix = isDark ? u"-dark"_s : u"-light"_s;
 
     uitest::saveScreenshot(m_view.get(), u"window-empty"_s + suffix);
+    uitest::createFiles(*m_files, {u"notes.txt"_s});
+    QVERIFY(QDir(m_files->path()).mkdir(u"Holiday Photos"_s));
+    uitest::answerWhenShown<QFileDialog>(QString(DialogPanelProvider::openPanelName), [&](QFileDialog *dialog) {
+        const auto closeOnExit = qScopeGuard([dialog] { dialog->reject(); });
+        clickInPanel(dialog, m_files->path(), {u"Holiday Photos"_s, u"notes.txt"_s});
+        uitest::saveScreenshot(dialog, u"import-folder-selected"_s + suffix);
+    });
+    QTest::mouseClick(m_view->findChild<QPushButton *>(u"topBarImportButton"_s), Qt::LeftButton);
     m_vm->addFiles(uitest::createFiles(*m_files,
         {u"holiday photo.jpg"_s,
             u"holiday photo.png"_s,
@@ -616,6 +883,19 @@ void TestContentView::screenshots()
     QTRY_VERIFY((sheet = uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s)));
     uitest::saveScreenshot(sheet, u"result-success"_s + suffix);
     uitest::saveScreenshot(m_view.get(), u"window-after-rename"_s + suffix);
+    m_vm->setShowRenameResult(false);
+
+    QList<NativePath> many;
+    for (int index = 0; index < 20'000; ++index)
+        many.append(NativePath::fromText(m_files->filePath(u"holiday photo %1.jpg"_s.arg(index))));
+    m_vm->addFiles(many);
+    m_vm->selectAll();
+    m_vm->setFileMover(std::make_shared<FailingMover>(
+        u"Permission denied: the folder does not let this user rename the items in it."_s));
+    m_view->confirmRename();
+    answerAlert(u"Rename"_s);
+    QTRY_VERIFY_WITH_TIMEOUT((sheet = uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s)), 20'000);
+    uitest::saveScreenshot(sheet, u"result-20000-failures"_s + suffix);
 }
 
 QTEST_MAIN(TestContentView)

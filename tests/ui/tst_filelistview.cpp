@@ -15,6 +15,7 @@
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QFile>
+#include <QFileInfo>
 #include <QHeaderView>
 #include <QLineEdit>
 #include <QMenu>
@@ -22,6 +23,7 @@
 #include <QPushButton>
 #include <QScrollBar>
 #include <QSignalSpy>
+#include <QStyledItemDelegate>
 #include <QTableView>
 #include <QTemporaryDir>
 #include <QTest>
@@ -134,6 +136,8 @@ private Q_SLOTS:
     void contextMenuWorksOnClickedRowOrSelection();
     void contextMenuRevealsFiles();
     void contextMenuOutsideRowsShowsNothing();
+    void everyNameHasAnIconAndLinesUp_data();
+    void everyNameHasAnIconAndLinesUp();
     void modelStaysConsistent();
     void screenshots();
 
@@ -648,6 +652,73 @@ void TestFileListView::contextMenuOutsideRowsShowsNothing()
     addFiles({u"a.txt"_s});
     QVERIFY(!table()->indexAt(QPoint(5, table()->viewport()->height() - 5)).isValid());
     QCOMPARE(openContextMenuAt(-1), nullptr);
+}
+
+void TestFileListView::everyNameHasAnIconAndLinesUp_data()
+{
+    QTest::addColumn<QStringList>("gone");
+    QTest::addColumn<bool>("goneByRename");
+    QTest::addColumn<QStringList>("onDisk");
+    QTest::newRow("a mistyped file before real files of its kind")
+        << QStringList{u"a-ghost.txt"_s} << false << QStringList{u"b-notes.txt"_s, u"c-todo.txt"_s};
+    QTest::newRow("mistyped files of two kinds among real ones")
+        << QStringList{u"a.jpeg"_s, u"b.pdf"_s} << false << QStringList{u"c.jpeg"_s, u"d.pdf"_s, u"e.txt"_s};
+    QTest::newRow("the list after an undo, then a real file and folder of the same kinds")
+        << QStringList{u"a-album/"_s, u"a-notes.txt"_s} << true << QStringList{u"b-album/"_s, u"b-notes.txt"_s};
+}
+
+void TestFileListView::everyNameHasAnIconAndLinesUp()
+{
+    QFETCH(QStringList, gone);
+    QFETCH(bool, goneByRename);
+    QFETCH(QStringList, onDisk);
+    // Items whose locations are not on disk come first, as a mistyped path or the list after an undo brings them.
+    if (goneByRename) {
+        // Hidden, so the table looks up no icon before the undo.
+        m_view->hide();
+        for (const QString &name : gone)
+            m_vm->addFiles({create(*m_dir, name)});
+        RenameRule prefix(RuleType::Insert);
+        prefix.insertText = u"renamed_"_s;
+        m_vm->addRule(prefix);
+        m_vm->performRename();
+        QTRY_VERIFY(!m_vm->isRenaming());
+        m_vm->undoRename();
+        m_vm->removeRule({0});
+        m_view->show();
+    } else {
+        QList<NativePath> locations;
+        for (const QString &name : gone)
+            locations.append(NativePath::fromText(m_dir->filePath(name)));
+        m_vm->addFiles(locations);
+    }
+    for (const FileItem &item : m_vm->files())
+        QVERIFY(!QFileInfo::exists(item.url.toText()));
+    for (const QString &name : onDisk)
+        m_vm->addFiles({create(*m_dir, name)});
+    QCOMPARE(table()->model()->rowCount(), gone.size() + onDisk.size());
+
+    // Where the table's delegate puts each name: after the icon, at the same place in every row.
+    struct Delegate : QStyledItemDelegate
+    {
+        using QStyledItemDelegate::initStyleOption;
+    } delegate;
+    QList<int> textStarts;
+    for (int row = 0; row < table()->model()->rowCount(); ++row) {
+        const QModelIndex name = table()->model()->index(row, FileTableModel::NameColumn);
+        const auto icon = name.data(Qt::DecorationRole).value<QIcon>();
+        QVERIFY2(!icon.isNull(), qPrintable(name.data().toString()));
+        QCOMPARE(icon.actualSize(table()->iconSize()), table()->iconSize());
+        QStyleOptionViewItem option;
+        option.initFrom(table()->viewport());
+        option.rect = table()->visualRect(name);
+        option.decorationSize = table()->iconSize();
+        option.features |= QStyleOptionViewItem::HasDisplay;
+        delegate.initStyleOption(&option, name);
+        textStarts.append(table()->style()->subElementRect(QStyle::SE_ItemViewItemText, &option, table()).left());
+    }
+    QCOMPARE(textStarts.count(textStarts.constFirst()), textStarts.size());
+    uitest::saveScreenshot(m_view.get(), u"filelist-missing-files"_s);
 }
 
 void TestFileListView::modelStaysConsistent()

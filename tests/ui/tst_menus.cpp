@@ -1,16 +1,23 @@
 #include "app/quillfernapp.h"
 #include "ui/contentview.h"
 #include "ui/dialogpanelprovider.h"
+#include "ui/filetablemodel.h"
 #include "uitesthelpers.h"
 
 #include <QFileDialog>
 #include <QFileSystemModel>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QMainWindow>
 #include <QMenu>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QMimeData>
+#include <QPainter>
 #include <QScopeGuard>
+#include <QScrollBar>
+#include <QSplitter>
+#include <QTableView>
 #include <QTest>
 #include <QTimer>
 
@@ -56,11 +63,17 @@ private Q_SLOTS:
     void exportWritesThePreviewWhereChosen();
     void focusedTextFieldKeepsItsOwnUndo();
     void windowKeepsItsMinimumSize();
+    void narrowestWindowShowsEveryColumn();
     void locationsGivenAtStartAreAdded();
+    void commandsWaitWhileARenameRuns();
+    void renamingScreenshots_data();
+    void renamingScreenshots();
 
 private:
     QAction *command(const QString &objectName) const;
     void addFiles(const QStringList &names);
+    /// Starts a rename of every file whose moves wait for the returned mover's release().
+    std::shared_ptr<uitest::BlockingFileMover> startBlockedRename();
 
     std::unique_ptr<QTemporaryDir> m_dataHome;
     std::unique_ptr<QTemporaryDir> m_files;
@@ -69,10 +82,12 @@ private:
 
 void TestMenus::initTestCase()
 {
-    // The preset store writes its file under the data home: keep it out of the real one.
+    // The preset store writes its file under the data home, Qt's file dialogs their state under the configuration
+    // home: keep both out of the real ones.
     m_dataHome = std::make_unique<QTemporaryDir>();
     QVERIFY(m_dataHome->isValid());
-    qputenv("XDG_DATA_HOME", m_dataHome->path().toUtf8());
+    qputenv("XDG_DATA_HOME", m_dataHome->filePath(u"data"_s).toUtf8());
+    qputenv("XDG_CONFIG_HOME", m_dataHome->filePath(u"config"_s).toUtf8());
 }
 
 void TestMenus::init()
@@ -104,6 +119,14 @@ QAction *TestMenus::command(const QString &objectName) const
 void TestMenus::addFiles(const QStringList &names)
 {
     m_app->vm().addFiles(uitest::createFiles(*m_files, names));
+}
+
+std::shared_ptr<uitest::BlockingFileMover> TestMenus::startBlockedRename()
+{
+    auto mover = std::make_shared<uitest::BlockingFileMover>();
+    m_app->vm().setFileMover(mover);
+    m_app->vm().performRename();
+    return mover;
 }
 
 void TestMenus::windowIsTheOnlyOneAndTitled()
@@ -393,12 +416,176 @@ void TestMenus::windowKeepsItsMinimumSize()
     uitest::saveScreenshot(&m_app->window(), u"window-minimum"_s);
 }
 
+void TestMenus::narrowestWindowShowsEveryColumn()
+{
+    addFiles({u"holiday photo.jpg"_s, u"notes.txt"_s, u"report.pdf"_s});
+    auto *splitter = m_app->window().findChild<QSplitter *>(u"mainSplitter"_s);
+    const QList<int> widthsAtOpening = splitter->sizes();
+    m_app->window().resize(100, 100);
+    QTRY_COMPARE(m_app->contentView().width(), 960);
+    auto *table = m_app->window().findChild<QTableView *>(u"fileTable"_s);
+    QApplication::processEvents();
+    uitest::saveScreenshot(&m_app->window(), u"window-narrowest"_s);
+
+    // The table shows every column without scrolling sideways.
+    QCOMPARE(table->horizontalScrollBar()->maximum(), 0);
+    const QHeaderView *columns = table->horizontalHeader();
+    QVERIFY(
+        columns->sectionViewportPosition(FileTableModel::TypeColumn) + columns->sectionSize(FileTableModel::TypeColumn)
+        <= table->viewport()->width());
+    QVERIFY(columns->sectionSize(FileTableModel::NameColumn) >= 120);
+    // The preview gave way, as far as it needed and no further than its minimum.
+    const QList<int> widths = splitter->sizes();
+    QVERIFY(widths.at(2) < widthsAtOpening.at(2));
+    QVERIFY(widths.at(2) >= 240);
+    QVERIFY(widths.at(0) >= 260);
+
+    // Wide again, the panes have their widths of before.
+    m_app->window().resize(1200, 760);
+    QTRY_COMPARE(m_app->contentView().width(), 1200);
+    QCOMPARE(splitter->sizes(), widthsAtOpening);
+}
+
 void TestMenus::locationsGivenAtStartAreAdded()
 {
     const auto locations = uitest::createFiles(*m_files, {u"a.txt"_s, u"b.txt"_s});
     m_app->open(locations);
     QCOMPARE(m_app->vm().files().size(), 2);
     QCOMPARE(m_app->vm().files().at(1).url, locations.at(1));
+}
+
+void TestMenus::commandsWaitWhileARenameRuns()
+{
+    addFiles({u"a.txt"_s, u"b.txt"_s});
+    m_app->vm().addRule(prefixRule());
+    m_app->vm().setFileSelected(m_app->vm().files().constLast().id, false);
+    const auto mover = startBlockedRename();
+    const auto releaseOnExit = qScopeGuard([&] { mover->release(); });
+    QVERIFY(m_app->vm().isRenaming());
+    const QList<FileItem> filesBefore = m_app->vm().files();
+    const QList<RenameRule> rulesBefore = m_app->vm().rules();
+    QCOMPARE(m_app->vm().undoStack().size(), 1);
+    bool panelShown = false;
+    for (const QString &panel :
+        {QString(DialogPanelProvider::openPanelName), QString(DialogPanelProvider::savePanelName)})
+        uitest::answerWhenShown<QFileDialog>(panel, [&](QFileDialog *dialog) {
+            panelShown = true;
+            dialog->reject();
+        });
+
+    QMenuBar *menuBar = m_app->window().menuBar();
+    QAction *quit = command(u"quitCommand"_s);
+    for (const QString &name : {u"fileMenu"_s, u"standardEditMenu"_s, u"selectionMenu"_s, u"renameMenu"_s}) {
+        auto *menu = menuBar->findChild<QMenu *>(name);
+        menu->popup(m_app->window().mapToGlobal(QPoint(20, 20)));
+        QTRY_VERIFY(menu->isVisible());
+        for (QAction *action : menu->actions()) {
+            if (action->isSeparator() || action == quit)
+                continue;
+            QVERIFY2(!action->isEnabled(), qPrintable(action->objectName()));
+            // Clicked twice in the open menu, then triggered directly.
+            const QPoint item = menu->actionGeometry(action).center();
+            QTest::mouseClick(menu, Qt::LeftButton, {}, item);
+            QTest::mouseClick(menu, Qt::LeftButton, {}, item);
+            action->trigger();
+        }
+        menu->close();
+    }
+    QVERIFY(quit->isEnabled());
+
+    // Every shortcut of the window, twice, while the overlay has the keyboard.
+    const QList<QKeyCombination> shortcuts{Qt::CTRL | Qt::Key_O,
+        Qt::CTRL | Qt::Key_Z,
+        Qt::CTRL | Qt::SHIFT | Qt::Key_Z,
+        Qt::CTRL | Qt::Key_Return,
+        Qt::CTRL | Qt::SHIFT | Qt::Key_K,
+        Qt::CTRL | Qt::Key_A,
+        Qt::CTRL | Qt::SHIFT | Qt::Key_A,
+        Qt::CTRL | Qt::SHIFT | Qt::Key_I,
+        QKeyCombination(Qt::Key_Delete),
+        QKeyCombination(Qt::Key_Escape)};
+    for (const QKeyCombination keys : shortcuts) {
+        QTest::keyClick(&m_app->window(), keys.key(), keys.keyboardModifiers());
+        QTest::keyClick(&m_app->window(), keys.key(), keys.keyboardModifiers());
+    }
+
+    // Files dropped onto the list are not added.
+    const NativePath dropped = uitest::createFiles(*m_files, {u"dropped.txt"_s}).constFirst();
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(dropped.toText())});
+    auto *fileList = m_app->window().findChild<QWidget *>(u"fileListView"_s);
+    QDragEnterEvent enter(fileList->rect().center(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(fileList, &enter);
+    QVERIFY(!enter.isAccepted());
+    QDropEvent drop(fileList->rect().center(), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(fileList, &drop);
+
+    QApplication::processEvents();
+    QVERIFY(!panelShown);
+    QVERIFY(!uitest::visibleTopLevel<QMessageBox>(u"renameConfirmAlert"_s));
+    QVERIFY(m_app->vm().isRenaming());
+    QCOMPARE(m_app->vm().files().size(), filesBefore.size());
+    for (qsizetype index = 0; index < filesBefore.size(); ++index) {
+        QCOMPARE(m_app->vm().files().at(index).id, filesBefore.at(index).id);
+        QCOMPARE(m_app->vm().files().at(index).isSelected, filesBefore.at(index).isSelected);
+    }
+    QCOMPARE(m_app->vm().rules(), rulesBefore);
+    QCOMPARE(m_app->vm().undoStack().size(), 1);
+    QVERIFY(m_app->vm().redoStack().isEmpty());
+
+    // The rename finishes as started, and the commands come back.
+    mover->release();
+    QTRY_VERIFY(!m_app->vm().isRenaming());
+    QVERIFY(QFile::exists(m_files->filePath(u"new_a.txt"_s)));
+    QVERIFY(QFile::exists(m_files->filePath(u"b.txt"_s)));
+    for (const QString &name : {u"importFilesCommand"_s,
+             u"clearListCommand"_s,
+             u"undoRenameCommand"_s,
+             u"selectAllFilesCommand"_s,
+             u"deselectAllCommand"_s,
+             u"invertSelectionCommand"_s,
+             u"renameSelectedCommand"_s,
+             u"exportPreviewCommand"_s})
+        QVERIFY2(command(name)->isEnabled(), qPrintable(name));
+    QVERIFY(!command(u"redoRenameCommand"_s)->isEnabled());
+    // Its one snapshot is the list from before it.
+    command(u"undoRenameCommand"_s)->trigger();
+    QCOMPARE(m_app->vm().files().constFirst().originalName(), u"a.txt"_s);
+}
+
+void TestMenus::renamingScreenshots_data()
+{
+    QTest::addColumn<bool>("isDark");
+    QTest::newRow("light") << false;
+    QTest::newRow("dark") << true;
+}
+
+void TestMenus::renamingScreenshots()
+{
+    QFETCH(bool, isDark);
+    if (qEnvironmentVariableIsEmpty("QUILLFERN_SCREENSHOTS"))
+        QSKIP("set QUILLFERN_SCREENSHOTS to a folder to save pictures of the window");
+    const QPalette original = QApplication::palette();
+    const auto restorePalette = qScopeGuard([&] { QApplication::setPalette(original); });
+    if (isDark)
+        QApplication::setPalette(uitest::darkPalette());
+    QTRY_COMPARE(m_app->window().palette().color(QPalette::Window), QApplication::palette().color(QPalette::Window));
+    addFiles({u"holiday photo.jpg"_s, u"notes.txt"_s, u"report.pdf"_s});
+    m_app->vm().addRule(prefixRule());
+    const auto mover = startBlockedRename();
+    const auto releaseOnExit = qScopeGuard([&] { mover->release(); });
+
+    auto *menu = m_app->window().menuBar()->findChild<QMenu *>(u"standardEditMenu"_s);
+    const QRect title = m_app->window().menuBar()->actionGeometry(menu->menuAction());
+    menu->popup(m_app->window().menuBar()->mapToGlobal(title.bottomLeft()));
+    QTRY_VERIFY(menu->isVisible());
+    // The window and its open menu in one picture, as the user sees them.
+    QPixmap picture = m_app->window().grab();
+    QPainter painter(&picture);
+    painter.drawPixmap(m_app->window().mapFromGlobal(menu->pos()), menu->grab());
+    painter.end();
+    uitest::saveScreenshot(picture, u"renaming-menu-open"_s + (isDark ? u"-dark"_s : u"-light"_s));
+    menu->close();
 }
 
 QTEST_MAIN(TestMenus)

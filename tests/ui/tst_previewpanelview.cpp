@@ -83,8 +83,8 @@ private Q_SLOTS:
     void headerShowsConflictsOrCheckMark();
     void rowsFollowPreviewsByPosition();
     void unchangedRowShowsOnlyTheEqualLine();
-    void rowsShareOneHeight_data();
-    void rowsShareOneHeight();
+    void unchangedRowsKeepOneLine_data();
+    void unchangedRowsKeepOneLine();
     void conflictTintWinsOverHover();
     void exportAsksForCsvLocation_data();
     void exportAsksForCsvLocation();
@@ -234,30 +234,43 @@ void TestPreviewPanelView::unchangedRowShowsOnlyTheEqualLine()
     QVERIFY(!hasRedPixels(grabRow(1)));
 }
 
-void TestPreviewPanelView::rowsShareOneHeight_data()
+void TestPreviewPanelView::unchangedRowsKeepOneLine_data()
 {
     QTest::addColumn<QString>("find");
-    QTest::addColumn<int>("lines");
-    QTest::newRow("unchanged names take one line each") << u"x"_s << 1;
-    QTest::newRow("any changed name gives every row two lines") << u"a"_s << 2;
+    QTest::addColumn<QList<int>>("lines");
+    QTest::newRow("unchanged names take one line each") << u"x"_s << QList<int>{1, 1, 1};
+    QTest::newRow("a changed name takes two lines, the unchanged ones keep one") << u"a"_s << QList<int>{2, 1, 1};
+    QTest::newRow("every name changed takes two lines each") << u"[abc]"_s << QList<int>{2, 2, 2};
 }
 
-void TestPreviewPanelView::rowsShareOneHeight()
+void TestPreviewPanelView::unchangedRowsKeepOneLine()
 {
     QFETCH(QString, find);
-    QFETCH(int, lines);
+    QFETCH(QList<int>, lines);
     const int lineHeight = QFontMetrics(AppFonts::monoSmall()).height();
     const auto rowHeight = [this](int row) {
         return list()->visualRect(list()->model()->index(row, 0)).height();
     };
     // The list is first shown without changes, so a height measured then must not stick.
-    m_vm->addFiles(locations({u"a.txt"_s, u"b.txt"_s}));
+    m_vm->addFiles(locations({u"a.txt"_s, u"b.txt"_s, u"c.txt"_s}));
     QVERIFY(rowHeight(0) < 2 * lineHeight);
-    m_vm->addRule(replace(find, u"z"_s));
-    QCOMPARE(list()->model()->index(0, 0).data(PreviewListModel::LineCountRole).toInt(), lines);
-    QCOMPARE(rowHeight(0), rowHeight(1));
-    QVERIFY(rowHeight(0) >= lines * lineHeight);
-    QVERIFY(rowHeight(0) < (lines + 1) * lineHeight);
+    RenameRule rule = replace(find, u"z"_s);
+    rule.useRegex = true;
+    m_vm->addRule(rule);
+    for (int row = 0; row < lines.size(); ++row) {
+        QCOMPARE(list()->model()->index(row, 0).data(PreviewListModel::LineCountRole).toInt(), lines.at(row));
+        QVERIFY(rowHeight(row) >= lines.at(row) * lineHeight);
+        QVERIFY(rowHeight(row) < (lines.at(row) + 1) * lineHeight);
+        if (row > 0) {
+            const QRect above = list()->visualRect(list()->model()->index(row - 1, 0));
+            QCOMPARE(list()->visualRect(list()->model()->index(row, 0)).top(), above.bottom() + 1);
+        }
+    }
+    // Rows of one kind share one height.
+    for (int row = 1; row < lines.size(); ++row) {
+        if (lines.at(row) == lines.at(0))
+            QCOMPARE(rowHeight(row), rowHeight(0));
+    }
 }
 
 void TestPreviewPanelView::conflictTintWinsOverHover()

@@ -1,5 +1,7 @@
 #include "presets/presetmanager.h"
 #include "state/appviewmodel.h"
+#include "ui/commandfield.h"
+#include "ui/elidinglabel.h"
 #include "ui/nlsuggestionsview.h"
 #include "ui/panelabel.h"
 #include "ui/ruleeditorview.h"
@@ -9,17 +11,20 @@
 
 #include <QAction>
 #include <QApplication>
+#include <QClipboard>
 #include <QDialog>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenu>
 #include <QMimeData>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QToolButton>
 
+#include <algorithm>
 #include <memory>
 
 using namespace quillfern;
@@ -93,9 +98,14 @@ private Q_SLOTS:
     void submittingCommandParsesIt_data();
     void submittingCommandParsesIt();
     void typingCommandDoesNotParse();
+    void commandPlaceholderReadsWhole_data();
+    void commandPlaceholderReadsWhole();
+    void returnSubmitsWithoutANewLine();
     void dismissEmptiesSuggestionsAndKeepsCommand();
     void escapeDismissesSuggestions();
     void applyAllAppendsSuggestionsInOrder();
+    void parsingAgainLaysOutTheNewSuggestions_data();
+    void parsingAgainLaysOutTheNewSuggestions();
     void confidenceShowsWholePercent_data();
     void confidenceShowsWholePercent();
     void savePresetStoresCurrentRules();
@@ -106,6 +116,8 @@ private Q_SLOTS:
     void loadSheetListsPresetsWithRuleCounts();
     void loadReplacesRulesAndClosesSheet();
     void cancellingLoadChangesNothing();
+    void loadSheetShowsEveryLoadButtonBesideALongName_data();
+    void loadSheetShowsEveryLoadButtonBesideALongName();
     void everyEditorFitsTheNarrowestPane();
     void screenshots();
 
@@ -183,7 +195,7 @@ void TestRuleEditorView::addRules(const QList<RuleType> &types)
 
 void TestRuleEditorView::submitCommand(const QString &command)
 {
-    auto *field = child<QLineEdit>(u"naturalLanguageField"_s);
+    auto *field = child<CommandField>(u"naturalLanguageField"_s);
     field->setFocus();
     QTest::keyClicks(field, command);
     QTest::keyClick(field, Qt::Key_Return);
@@ -197,7 +209,7 @@ void TestRuleEditorView::emptyPaneShowsEmptyStateAddBarAndCommandBar()
     QCOMPARE(paneText(u"emptyStateTitle"_s), u"No rules yet"_s);
     QCOMPARE(paneText(u"emptyStateHint"_s), u"Add rules below or use natural language"_s);
     QVERIFY(child(u"addRuleBar"_s)->isVisible());
-    auto *field = child<QLineEdit>(u"naturalLanguageField"_s);
+    auto *field = child<CommandField>(u"naturalLanguageField"_s);
     QVERIFY(field->isVisible());
     QCOMPARE(field->placeholderText(), u"Natural language... (e.g. Replace TERVANE with Solutions)"_s);
     QCOMPARE(child<QPushButton>(u"parseButton"_s)->text(), u"Parse"_s);
@@ -518,7 +530,7 @@ void TestRuleEditorView::submittingCommandParsesIt()
     QFETCH(bool, byButton);
     QFETCH(QStringList, descriptions);
     showPane();
-    auto *field = child<QLineEdit>(u"naturalLanguageField"_s);
+    auto *field = child<CommandField>(u"naturalLanguageField"_s);
     field->setFocus();
     QTest::keyClicks(field, command);
 
@@ -538,7 +550,7 @@ void TestRuleEditorView::submittingCommandParsesIt()
 void TestRuleEditorView::typingCommandDoesNotParse()
 {
     showPane();
-    auto *field = child<QLineEdit>(u"naturalLanguageField"_s);
+    auto *field = child<CommandField>(u"naturalLanguageField"_s);
     field->setFocus();
     QSignalSpy suggestionsChanged(m_vm.get(), &AppViewModel::nlSuggestionsChanged);
 
@@ -547,6 +559,55 @@ void TestRuleEditorView::typingCommandDoesNotParse()
     QCOMPARE(m_vm->naturalLanguageInput(), u"replace a with b"_s);
     QCOMPARE(suggestionsChanged.count(), 0);
     QVERIFY(!child(u"nlSuggestions"_s)->isVisible());
+}
+
+void TestRuleEditorView::commandPlaceholderReadsWhole_data()
+{
+    QTest::addColumn<int>("paneWidth");
+    QTest::newRow("in a pane of the default width") << 300;
+    QTest::newRow("in the narrowest pane") << 260;
+}
+
+void TestRuleEditorView::commandPlaceholderReadsWhole()
+{
+    QFETCH(int, paneWidth);
+    showPane(paneWidth);
+    auto *field = child<CommandField>(u"naturalLanguageField"_s);
+    QVERIFY(field);
+    QCOMPARE(field->placeholderText(), u"Natural language... (e.g. Replace TERVANE with Solutions)"_s);
+    // The placeholder, wrapped in the field's text area, fits its height.
+    const int margin = int(field->document()->documentMargin());
+    const QRect area = field->viewport()->rect().adjusted(margin, margin, -margin, -margin);
+    const QRect needed = field->fontMetrics().boundingRect(QRect(0, 0, area.width(), 10'000),
+        Qt::TextWordWrap,
+        field->placeholderText());
+    QVERIFY2(needed.height() <= area.height(), qPrintable(u"%1 > %2"_s.arg(needed.height()).arg(area.height())));
+    QVERIFY(needed.width() <= area.width());
+    // The command bar stays within the pane.
+    QVERIFY(m_view->rect().contains(
+        child(u"naturalLanguageBar"_s)
+            ->geometry()
+            .translated(child(u"naturalLanguageBar"_s)->parentWidget()->mapTo(m_view.get(), QPoint(0, 0)))));
+    uitest::saveScreenshot(child(u"addRuleBar"_s), u"command-placeholder-"_s + QString::number(paneWidth));
+}
+
+void TestRuleEditorView::returnSubmitsWithoutANewLine()
+{
+    showPane();
+    auto *field = child<CommandField>(u"naturalLanguageField"_s);
+    const int height = field->height();
+    submitCommand(u"replace TERVANE with Solutions"_s);
+    QCOMPARE(field->text(), u"replace TERVANE with Solutions"_s);
+    QCOMPARE(m_vm->naturalLanguageInput(), field->text());
+    QCOMPARE(m_vm->nlSuggestions().size(), 1);
+    // Return again parses again and still adds no line; a pasted line break becomes a space.
+    QTest::keyClick(field, Qt::Key_Enter);
+    QVERIFY(!field->text().contains(u'\n'));
+    field->clear();
+    QApplication::clipboard()->setText(u"replace a\nwith b"_s);
+    field->paste();
+    QCOMPARE(field->text(), u"replace a with b"_s);
+    QCOMPARE(field->height(), height);
 }
 
 void TestRuleEditorView::dismissEmptiesSuggestionsAndKeepsCommand()
@@ -560,7 +621,7 @@ void TestRuleEditorView::dismissEmptiesSuggestionsAndKeepsCommand()
 
     QVERIFY(m_vm->nlSuggestions().isEmpty());
     QVERIFY(!child(u"nlSuggestions"_s)->isVisible());
-    QCOMPARE(child<QLineEdit>(u"naturalLanguageField"_s)->text(), u"replace a with b"_s);
+    QCOMPARE(child<CommandField>(u"naturalLanguageField"_s)->text(), u"replace a with b"_s);
     QCOMPARE(m_vm->naturalLanguageInput(), u"replace a with b"_s);
     QVERIFY(m_vm->rules().isEmpty());
 }
@@ -575,7 +636,7 @@ void TestRuleEditorView::escapeDismissesSuggestions()
 
     QVERIFY(m_vm->nlSuggestions().isEmpty());
     QVERIFY(!child(u"nlSuggestions"_s)->isVisible());
-    QCOMPARE(child<QLineEdit>(u"naturalLanguageField"_s)->text(), u"replace a with b"_s);
+    QCOMPARE(child<CommandField>(u"naturalLanguageField"_s)->text(), u"replace a with b"_s);
 }
 
 void TestRuleEditorView::applyAllAppendsSuggestionsInOrder()
@@ -592,8 +653,56 @@ void TestRuleEditorView::applyAllAppendsSuggestionsInOrder()
     QCOMPARE(typesOf(m_vm->rules()), QList<RuleType>({RuleType::Trim, RuleType::Cleanup, RuleType::DateStamp}));
     QCOMPARE(m_view->rows().size(), 3);
     QVERIFY(!child(u"nlSuggestions"_s)->isVisible());
-    QVERIFY(child<QLineEdit>(u"naturalLanguageField"_s)->text().isEmpty());
+    QVERIFY(child<CommandField>(u"naturalLanguageField"_s)->text().isEmpty());
     QVERIFY(child(u"naturalLanguageField"_s)->hasFocus());
+}
+
+void TestRuleEditorView::parsingAgainLaysOutTheNewSuggestions_data()
+{
+    QTest::addColumn<QString>("first");
+    QTest::addColumn<QString>("second");
+    QTest::newRow("one suggestion, then two") << u"replace a with b"_s << u"clean up and add today's date"_s;
+    QTest::newRow("two suggestions, then one") << u"clean up and add today's date"_s << u"replace a with b"_s;
+    QTest::newRow("the same command twice") << u"clean up and add today's date"_s << u"clean up and add today's date"_s;
+}
+
+void TestRuleEditorView::parsingAgainLaysOutTheNewSuggestions()
+{
+    QFETCH(QString, first);
+    QFETCH(QString, second);
+    showPane();
+    submitCommand(first);
+    QVERIFY(child(u"nlSuggestions"_s)->isVisible());
+    auto *field = child<CommandField>(u"naturalLanguageField"_s);
+    field->selectAll();
+    submitCommand(second);
+    QCOMPARE(field->text(), second);
+    QApplication::processEvents();
+
+    QWidget *card = child(u"nlSuggestions"_s);
+    QVERIFY(card->isVisible());
+    // The card is as tall as its content and sits above the command bar.
+    QCOMPARE(card->height(), card->heightForWidth(card->width()));
+    QVERIFY(card->geometry().bottom() < child(u"naturalLanguageBar"_s)->mapTo(m_view.get(), QPoint(0, 0)).y());
+    for (const QString &name : {u"applyAllButton"_s, u"dismissButton"_s}) {
+        auto *button = child<QPushButton>(name);
+        QVERIFY2(button->height() >= button->sizeHint().height(), qPrintable(name));
+        QVERIFY(card->rect().contains(button->geometry()));
+    }
+    // One row per suggestion, each under the one before and all above the buttons.
+    QList<QWidget *> rows;
+    for (QWidget *row : card->findChildren<QWidget *>(u"suggestionRow"_s)) {
+        if (row->isVisibleTo(card))
+            rows.append(row);
+    }
+    QCOMPARE(rows.size(), m_vm->nlSuggestions().size());
+    std::sort(rows.begin(), rows.end(), [](const QWidget *a, const QWidget *b) { return a->y() < b->y(); });
+    for (qsizetype index = 0; index < rows.size(); ++index) {
+        QVERIFY(rows.at(index)->height() >= rows.at(index)->minimumSizeHint().height());
+        if (index > 0)
+            QVERIFY(rows.at(index)->geometry().top() > rows.at(index - 1)->geometry().bottom());
+        QVERIFY(rows.at(index)->geometry().bottom() < child(u"applyAllButton"_s)->geometry().top());
+    }
 }
 
 void TestRuleEditorView::confidenceShowsWholePercent_data()
@@ -759,6 +868,51 @@ void TestRuleEditorView::cancellingLoadChangesNothing()
     QCOMPARE(m_vm->rules(), rulesBefore);
 }
 
+void TestRuleEditorView::loadSheetShowsEveryLoadButtonBesideALongName_data()
+{
+    QTest::addColumn<int>("windowWidth");
+    QTest::addColumn<bool>("isCut");
+    QTest::newRow("a wide window shows the whole name") << 1200 << false;
+    QTest::newRow("a narrow window cuts the name, whole in its tooltip") << 480 << true;
+}
+
+void TestRuleEditorView::loadSheetShowsEveryLoadButtonBesideALongName()
+{
+    QFETCH(int, windowWidth);
+    QFETCH(bool, isCut);
+    const QString longName = u"Holiday photos from the long summer trip to the northern lakes, by day and place"_s;
+    QCOMPARE(longName.size(), 80);
+    m_presetManager->save(Preset(longName, {RenameRule(RuleType::Trim)}));
+    showPane(windowWidth);
+    QTest::mouseClick(child(u"loadPresetButton"_s), Qt::LeftButton);
+    auto *sheet = uitest::visibleTopLevel<QDialog>(u"loadPresetSheet"_s);
+    QVERIFY(sheet);
+    uitest::saveScreenshot(sheet, u"load-sheet-long-name-"_s + QString::number(windowWidth));
+
+    // The sheet stays within the window, and every row's Load button shows whole in its list.
+    QVERIFY(sheet->width() <= windowWidth);
+    QVERIFY(sheet->height() <= m_view->height());
+    const QWidget *list = sheet->findChild<QScrollArea *>(u"presetScrollArea"_s)->viewport();
+    const QList<QPushButton *> buttons = sheet->findChildren<QPushButton *>(u"loadButton"_s);
+    QCOMPARE(buttons.size(), m_presetManager->presets().size());
+    for (const QPushButton *button : buttons) {
+        QVERIFY(button->isVisible());
+        QVERIFY2(list->rect().contains(QRect(button->mapTo(list, QPoint(0, 0)), button->size())),
+            qPrintable(button->accessibleName()));
+    }
+    const QList<ElidingLabel *> names = sheet->findChildren<ElidingLabel *>(u"presetName"_s);
+    const auto named = std::find_if(names.cbegin(), names.cend(), [&](const ElidingLabel *label) {
+        return label->text() == longName;
+    });
+    QVERIFY(named != names.cend());
+    QCOMPARE((*named)->isElided(), isCut);
+    QCOMPARE((*named)->toolTip(), longName);
+
+    QTest::mouseClick(buttons.constLast(), Qt::LeftButton);
+    QCOMPARE(m_vm->rules().size(), 1);
+    QVERIFY(!sheet->isVisible());
+}
+
 void TestRuleEditorView::everyEditorFitsTheNarrowestPane()
 {
     constexpr auto everyKind = allCases<RuleType>();
@@ -803,12 +957,20 @@ void TestRuleEditorView::screenshots()
             submitCommand(u"clean up and add today's date"_s);
             QApplication::processEvents();
             uitest::saveScreenshot(m_view.get(), u"suggestions"_s + size + suffix);
+            child<CommandField>(u"naturalLanguageField"_s)->selectAll();
+            submitCommand(u"replace IMG with Photo"_s);
+            child<CommandField>(u"naturalLanguageField"_s)->selectAll();
+            submitCommand(u"clean up and add today's date"_s);
+            QApplication::processEvents();
+            uitest::saveScreenshot(m_view.get(), u"suggestions-parsed-twice"_s + size + suffix);
             m_vm->setNlSuggestions({});
         }
         QTest::mouseClick(child(u"savePresetButton"_s), Qt::LeftButton);
         auto *saveSheet = uitest::visibleTopLevel<QDialog>(u"savePresetSheet"_s);
         uitest::saveScreenshot(saveSheet, u"save-sheet"_s + suffix);
         saveSheet->reject();
+        m_presetManager->save(
+            Preset(u"Holiday photos from the long summer trip to the northern lakes, by day and place"_s, {}));
         QTest::mouseClick(child(u"loadPresetButton"_s), Qt::LeftButton);
         auto *loadSheet = uitest::visibleTopLevel<QDialog>(u"loadPresetSheet"_s);
         uitest::saveScreenshot(loadSheet, u"load-sheet"_s + suffix);

@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFile>
 #include <QPalette>
+#include <QPixmap>
 #include <QTemporaryDir>
 #include <QTimer>
 #include <QWidget>
@@ -91,14 +92,21 @@ inline QPalette darkPalette()
     return palette;
 }
 
-/// Saves a picture of `widget` as <name>.png when QUILLFERN_SCREENSHOTS names a folder; does nothing otherwise.
-inline void saveScreenshot(QWidget *widget, const QString &name)
+/// Saves `picture` as <name>.png when QUILLFERN_SCREENSHOTS names a folder; does nothing otherwise.
+inline void saveScreenshot(const QPixmap &picture, const QString &name)
 {
     const QString folder = qEnvironmentVariable("QUILLFERN_SCREENSHOTS");
     if (folder.isEmpty())
         return;
     QDir().mkpath(folder);
-    widget->grab().save(QDir(folder).filePath(name + QStringLiteral(".png")));
+    picture.save(QDir(folder).filePath(name + QStringLiteral(".png")));
+}
+
+/// Saves a picture of `widget` as <name>.png when QUILLFERN_SCREENSHOTS names a folder; does nothing otherwise.
+inline void saveScreenshot(QWidget *widget, const QString &name)
+{
+    if (!qEnvironmentVariableIsEmpty("QUILLFERN_SCREENSHOTS"))
+        saveScreenshot(widget->grab(), name);
 }
 
 /// Moves files on the real file system, but each move waits until release() is called, so a test can look at
@@ -124,10 +132,7 @@ public:
         return m_system.isSameItem(first, second);
     }
     bool exists(const quillfern::NativePath &path) override { return m_system.exists(path); }
-    std::optional<ItemIdentity> identity(const quillfern::NativePath &path) override
-    {
-        return m_system.identity(path);
-    }
+    std::optional<ItemIdentity> identity(const quillfern::NativePath &path) override { return m_system.identity(path); }
 
 private:
     SystemFileMover m_system;
