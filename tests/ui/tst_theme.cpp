@@ -84,6 +84,9 @@ private Q_SLOTS:
     void colorsFollowTheAppearance();
     void accentIsLighterOnADarkWindow();
     void translucentColorsKeepTheirOpacity();
+    void disabledTextComesFromThePalette_data();
+    void disabledTextComesFromThePalette();
+    void disabledSymbolsAreDrawnInTheDisabledColour();
     void spacingScale();
     void fontStyles();
     void cardStyleGivesFillCornersAndShadow();
@@ -198,6 +201,51 @@ void TestTheme::translucentColorsKeepTheirOpacity()
     QCOMPARE(AppColors::conflictBackground().rgb(), AppColors::danger().rgb());
     QCOMPARE(percent(AppColors::conflictBackground()), 10);
     QCOMPARE(percent(AppColors::withOpacity(Qt::red, 0.25)), 25);
+}
+
+void TestTheme::disabledTextComesFromThePalette_data()
+{
+    QTest::addColumn<bool>("hasDisabledColour");
+    QTest::newRow("a palette's own colour for disabled text is used") << true;
+    QTest::newRow("a palette without one gives the text colour faded") << false;
+}
+
+void TestTheme::disabledTextComesFromThePalette()
+{
+    QFETCH(bool, hasDisabledColour);
+    const QPalette original = QApplication::palette();
+    const auto restore = qScopeGuard([&] { QApplication::setPalette(original); });
+    QPalette palette = uitest::darkPalette();
+    if (!hasDisabledColour)
+        palette.setColor(QPalette::WindowText, QColor(0xEC, 0xEC, 0xEE));
+    QApplication::setPalette(palette);
+
+    const QColor text = AppColors::disabledText();
+    if (hasDisabledColour) {
+        QCOMPARE(text, palette.color(QPalette::Disabled, QPalette::WindowText));
+    } else {
+        QCOMPARE(text.rgb(), palette.color(QPalette::WindowText).rgb());
+        QVERIFY(text.alphaF() < 0.5);
+    }
+    QVERIFY(AppColors::disabledFill().hslSaturationF() < 0.1);
+}
+
+void TestTheme::disabledSymbolsAreDrawnInTheDisabledColour()
+{
+    const QPalette original = QApplication::palette();
+    const auto restore = qScopeGuard([&] { QApplication::setPalette(original); });
+    QApplication::setPalette(uitest::darkPalette());
+    for (const QIcon &icon :
+        {SymbolIcons::icon(u"arrow.uturn.backward"_s), SymbolIcons::icon(u"play.fill"_s, Qt::white)}) {
+        const QImage image = icon.pixmap(QSize(48, 48), QIcon::Disabled).toImage();
+        QVERIFY(paintedPixels(image) > 20);
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                if (qAlpha(image.pixel(x, y)) == 255)
+                    QCOMPARE(image.pixelColor(x, y).rgb(), AppColors::disabledText().rgb());
+            }
+        }
+    }
 }
 
 void TestTheme::spacingScale()
