@@ -172,6 +172,7 @@ private Q_SLOTS:
     void cancellingTheAlertRenamesNothing();
     void confirmingRenamesAndShowsSuccess();
     void failuresAreListedInTheResultSheet();
+    void sheetsHaveNoMaximiseButton();
     void longFailuresAreShownWhole();
     void thousandsOfFailuresMakeNoWidgetPerRow();
     void overlayCoversTheWindowWhileRenaming();
@@ -666,6 +667,26 @@ void TestContentView::failuresAreListedInTheResultSheet()
     // Escape closes the sheet like Done, and the flag follows.
     QTest::keyClick(sheet, Qt::Key_Escape);
     QTRY_VERIFY(!m_vm->showRenameResult());
+}
+
+void TestContentView::sheetsHaveNoMaximiseButton()
+{
+    m_vm->addFiles(uitest::createFiles(*m_files, {u"a.txt"_s}));
+    m_vm->addRule(prefixRule(u"new_"_s));
+    m_vm->performRename();
+    QTRY_VERIFY(uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s));
+    for (const QString &name : {u"renameResultView"_s, u"savePresetSheet"_s, u"loadPresetSheet"_s}) {
+        auto *sheet = m_view->findChild<QDialog *>(name);
+        QVERIFY2(sheet, qPrintable(name));
+        const Qt::WindowFlags flags = sheet->windowFlags();
+        // Its own hints, so the window manager adds none: a title and a close button, nothing else.
+        QVERIFY2(flags.testFlag(Qt::CustomizeWindowHint), qPrintable(name));
+        QVERIFY(flags.testFlag(Qt::WindowTitleHint));
+        QVERIFY(flags.testFlag(Qt::WindowCloseButtonHint));
+        QVERIFY2(!flags.testFlag(Qt::WindowMaximizeButtonHint), qPrintable(name));
+        QVERIFY(!flags.testFlag(Qt::WindowMinimizeButtonHint));
+        QCOMPARE(sheet->windowModality(), Qt::WindowModal);
+    }
 }
 
 void TestContentView::longFailuresAreShownWhole()
