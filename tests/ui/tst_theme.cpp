@@ -6,7 +6,7 @@
 #include "ui/symbolicons.h"
 #include "uitesthelpers.h"
 
-#include <QFontInfo>
+#include <QFontMetricsF>
 #include <QGraphicsDropShadowEffect>
 #include <QImage>
 #include <QScopeGuard>
@@ -65,6 +65,23 @@ int paintedPixels(const QImage &image)
             count += qAlpha(image.pixel(x, y)) > 0;
     }
     return count;
+}
+
+/// Whether the characters of file names (letters narrow and wide, digits, punctuation, a space) all have one
+/// advance in `font`, alone and in a run of ten.
+bool hasEqualAdvances(const QFont &font)
+{
+    const QFontMetricsF metrics(font);
+    const QString sample = u"iIl1jMWm0_.-,:|@ (~"_s;
+    const qreal advance = metrics.horizontalAdvance(sample.at(0));
+    if (advance <= 0)
+        return false;
+    for (const QChar character : sample) {
+        if (!qFuzzyCompare(metrics.horizontalAdvance(character), advance)
+            || !qFuzzyCompare(metrics.horizontalAdvance(QString(10, character)), 10 * advance))
+            return false;
+    }
+    return true;
 }
 
 } // namespace
@@ -259,8 +276,11 @@ void TestTheme::spacingScale()
 
 void TestTheme::fontStyles()
 {
-    QVERIFY(QFontInfo(AppFonts::mono()).fixedPitch());
-    QVERIFY(QFontInfo(AppFonts::monoSmall()).fixedPitch());
+    // Whichever family the system gives its monospaced font (some are not marked as fixed pitch), names drawn in
+    // it line up: every character is as wide as every other.
+    QVERIFY(hasEqualAdvances(AppFonts::mono()));
+    QVERIFY(hasEqualAdvances(AppFonts::monoSmall()));
+    QVERIFY(!hasEqualAdvances(AppFonts::body()));
     QVERIFY(AppFonts::monoSmall().pointSizeF() < AppFonts::mono().pointSizeF());
     QCOMPARE(AppFonts::label().weight(), QFont::Medium);
     QVERIFY(AppFonts::label().pointSizeF() < AppFonts::body().pointSizeF());
