@@ -692,7 +692,7 @@ void TestContentView::sheetsHaveNoMaximiseButton()
 void TestContentView::longFailuresAreShownWhole()
 {
     const QString reason = u"The new name is 412 bytes long; a file name can have at most 255. Shorten what the rules "
-                           u"insert or remove part of the name, then rename again."_s;
+                           u"insert or remove some of the name, then rename again."_s;
     const QString name = QString(u"a"_s).repeated(90) + u".txt"_s;
     m_vm->setFileMover(std::make_shared<FailingMover>(reason));
     m_vm->addFiles(uitest::createFiles(*m_files, {name, u"b.txt"_s}));
