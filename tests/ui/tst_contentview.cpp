@@ -427,7 +427,7 @@ void TestContentView::disabledCommandsLookDisabled()
     m_vm->addFiles(uitest::createFiles(*m_files, {u"a.txt"_s}));
     m_vm->addRule(prefixRule(u"new_"_s));
     // Two renames and an undo leave both an undo and a redo.
-    for (int rename = 0; rename < 2; ++rename) {
+    for (int round = 0; round < 2; ++round) {
         m_vm->performRename();
         QTRY_VERIFY(!m_vm->isRenaming());
         m_vm->setShowRenameResult(false);
