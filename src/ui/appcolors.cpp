@@ -132,4 +132,18 @@ QColor separator()
     return withOpacity(palette().color(QPalette::WindowText), 0.15);
 }
 
+QColor disabledText()
+{
+    const QPalette current = palette();
+    const QColor active = current.color(QPalette::Active, QPalette::WindowText);
+    const QColor disabled = current.color(QPalette::Disabled, QPalette::WindowText);
+    // A palette made by setting each role once has the active colour for disabled text as well.
+    return disabled.rgba() != active.rgba() ? disabled : withOpacity(active, 0.35);
+}
+
+QColor disabledFill()
+{
+    return withOpacity(palette().color(QPalette::WindowText), 0.1);
+}
+
 } // namespace quillfern::AppColors

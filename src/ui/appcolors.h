@@ -27,6 +27,11 @@ QColor secondary();
 QColor tertiary();
 /// Hairlines between areas of a window.
 QColor separator();
+/// Text and symbols of a control that cannot be used: the palette's own colour for disabled text, or the text
+/// colour faded where the palette has none.
+QColor disabledText();
+/// The fill of a prominent control that cannot be used: a faint neutral tone instead of the accent.
+QColor disabledFill();
 
 /// `color` with its alpha set to `opacity` (0 to 1).
 QColor withOpacity(QColor color, double opacity);

@@ -209,7 +209,6 @@ QWidget *ContentView::makeTopBar()
     m_renameButton = new ProminentButton(u"Rename"_s, bar);
     m_renameButton->setObjectName(u"renameButton"_s);
     m_renameButton->setFont(semibold(AppFonts::body()));
-    m_renameButton->setIcon(SymbolIcons::icon(u"play.fill"_s, Qt::white));
     m_renameButton->setFixedWidth(renameButtonWidth);
     m_renameButton->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_Return));
     m_renameButton->setToolTip(withShortcut(u"Rename Files"_s, m_renameButton->shortcut()));
@@ -503,6 +502,8 @@ void ContentView::applyTheme()
     m_importButton->setIcon(SymbolIcons::icon(u"plus.circle"_s));
     m_undoButton->setIcon(SymbolIcons::icon(u"arrow.uturn.backward"_s));
     m_redoButton->setIcon(SymbolIcons::icon(u"arrow.uturn.forward"_s));
+    // White on the accent; disabled, in the palette's colour for disabled text.
+    m_renameButton->setIcon(SymbolIcons::icon(u"play.fill"_s, Qt::white));
 
     setForeground(m_filesCount, AppColors::secondary());
     setForeground(m_selectedCount, AppColors::accent());

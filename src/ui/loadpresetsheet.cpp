@@ -9,6 +9,7 @@
 #include "ui/elidinglabel.h"
 #include "ui/panedivider.h"
 #include "ui/ruleeditorstyle_p.h"
+#include "ui/sheetstyle.h"
 #include "ui/symbolicons.h"
 
 #include <QHBoxLayout>
@@ -39,7 +40,7 @@ LoadPresetSheet::LoadPresetSheet(AppViewModel *vm, PresetManager *presetManager,
 {
     setObjectName(u"loadPresetSheet"_s);
     setWindowTitle(u"Load Preset"_s);
-    setWindowModality(Qt::WindowModal);
+    SheetStyle::apply(this);
     setMinimumSize(minimumSheetSize);
 
     auto *headline = new QLabel(u"Load Preset"_s, this);

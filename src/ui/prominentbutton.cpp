@@ -70,8 +70,11 @@ void ProminentButton::paintEvent(QPaintEvent *)
 
     const QColor accent = AppColors::accent();
     QColor fill = accent;
-    if (!isEnabled())
+    // A busy button is at work and keeps its colour; one that cannot be used turns neutral.
+    if (!isEnabled() && m_isBusy)
         fill = AppColors::withOpacity(accent, 0.4);
+    else if (!isEnabled())
+        fill = AppColors::disabledFill();
     else if (isDown())
         fill = accent.darker(115);
     else if (underMouse())
@@ -86,14 +89,16 @@ void ProminentButton::paintEvent(QPaintEvent *)
         painter.drawRoundedRect(frame.adjusted(2, 2, -2, -2), cornerRadius - 2, cornerRadius - 2);
     }
 
-    const QColor foreground = isEnabled() ? QColor(Qt::white) : AppColors::withOpacity(Qt::white, 0.75);
+    QColor foreground = Qt::white;
+    if (!isEnabled())
+        foreground = m_isBusy ? AppColors::withOpacity(Qt::white, 0.75) : AppColors::disabledText();
     int x = (width() - contentWidth()) / 2;
     if (hasIcon()) {
         const QRect iconRect(QPoint(x, (height() - iconSize().height()) / 2), iconSize());
         if (m_isBusy)
             ActivityIndicator::paint(painter, iconRect, foreground, m_spinnerStep);
         else
-            icon().paint(&painter, iconRect);
+            icon().paint(&painter, iconRect, Qt::AlignCenter, isEnabled() ? QIcon::Normal : QIcon::Disabled);
         x += iconSize().width() + AppSpacing::sm;
     }
     painter.setPen(foreground);

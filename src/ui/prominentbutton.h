@@ -5,8 +5,9 @@
 
 namespace quillfern {
 
-/// The prominent push button of a window or sheet: white content on an accent-coloured, rounded fill. While
-/// busy it shows a spinner in place of its icon.
+/// The prominent push button of a window or sheet: white content on an accent-coloured, rounded fill; disabled,
+/// the colours of disabled text on a neutral fill. While busy it shows a spinner in place of its icon and keeps
+/// its accent.
 class ProminentButton final : public QPushButton
 {
     Q_OBJECT

@@ -7,6 +7,7 @@
 #include "ui/prominentbutton.h"
 #include "ui/renamefailurelistmodel.h"
 #include "ui/renamefailurerowview.h"
+#include "ui/sheetstyle.h"
 #include "ui/symbolicons.h"
 
 #include <QHBoxLayout>
@@ -68,7 +69,7 @@ RenameResultView::RenameResultView(AppViewModel *vm, QWidget *parent)
     , m_vm(vm)
 {
     setObjectName(u"renameResultView"_s);
-    setWindowModality(Qt::WindowModal);
+    SheetStyle::apply(this);
     setFixedWidth(sheetWidth);
 
     const QList<RenameResult> &results = m_vm->lastRenameResults();

@@ -5,6 +5,7 @@
 #include "ui/appfonts.h"
 #include "ui/appspacing.h"
 #include "ui/prominentbutton.h"
+#include "ui/sheetstyle.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -25,7 +26,7 @@ SavePresetSheet::SavePresetSheet(AppViewModel *vm, PresetManager *presetManager,
 {
     setObjectName(u"savePresetSheet"_s);
     setWindowTitle(u"Save Preset"_s);
-    setWindowModality(Qt::WindowModal);
+    SheetStyle::apply(this);
     setMinimumWidth(300);
 
     auto *headline = new QLabel(u"Save Preset"_s, this);

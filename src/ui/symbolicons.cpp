@@ -1,5 +1,7 @@
 #include "ui/symbolicons.h"
 
+#include "ui/appcolors.h"
+
 #include <QApplication>
 #include <QFile>
 #include <QHash>
@@ -35,15 +37,11 @@ QString themeName(const QString &symbolName)
     return names.value(symbolName);
 }
 
-QIcon tinted(const QString &path, const QColor &color)
+/// The symbol's pixmaps in `color` added to `icon` for `mode`.
+void addPixmaps(QIcon &icon, const QByteArray &svg, const QColor &color, QIcon::Mode mode)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
     // The bundled symbols draw with "currentColor"; replacing it recolours the whole symbol.
-    const QByteArray svg = file.readAll().replace("currentColor", color.name(QColor::HexRgb).toLatin1());
-    QSvgRenderer renderer(svg);
-    QIcon icon;
+    QSvgRenderer renderer(QByteArray(svg).replace("currentColor", color.name(QColor::HexRgb).toLatin1()));
     for (int size : {16, 24, 32, 48, 64, 96}) {
         QPixmap pixmap(size, size);
         pixmap.fill(Qt::transparent);
@@ -51,8 +49,21 @@ QIcon tinted(const QString &path, const QColor &color)
         painter.setOpacity(color.alphaF());
         renderer.render(&painter);
         painter.end();
-        icon.addPixmap(pixmap);
+        icon.addPixmap(pixmap, mode);
     }
+}
+
+QIcon tinted(const QString &path, const QColor &color)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QByteArray svg = file.readAll();
+    QIcon icon;
+    addPixmaps(icon, svg, color, QIcon::Normal);
+    // Drawn in the colour of disabled text rather than left to the style, whose faded copy of a light symbol
+    // still reads as enabled on a dark window.
+    addPixmaps(icon, svg, AppColors::disabledText(), QIcon::Disabled);
     return icon;
 }
 

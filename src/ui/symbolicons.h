@@ -7,7 +7,8 @@
 namespace quillfern {
 
 /// Icons for the symbol names the views use ("plus.circle", "arrow.uturn.backward", ...): the desktop's
-/// freedesktop icon theme where it has a matching icon, else the bundled SVG. Never a blank icon.
+/// freedesktop icon theme where it has a matching icon, else the bundled SVG. Never a blank icon. A bundled
+/// symbol on a disabled control is drawn in the palette's colour for disabled text.
 class SymbolIcons final
 {
 public:

@@ -123,6 +123,17 @@ private:
     QString m_message;
 };
 
+/// How far the pixel that stands out most differs in lightness from `background`, from 0 to 255.
+int contrastWith(const QImage &image, const QColor &background)
+{
+    int most = 0;
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            most = std::max(most, std::abs(image.pixelColor(x, y).lightness() - background.lightness()));
+    }
+    return most;
+}
+
 QString labelText(const QWidget *parent, const QString &objectName)
 {
     const auto *label = parent->findChild<QLabel *>(objectName);
@@ -148,6 +159,8 @@ private Q_SLOTS:
     void renameButtonEnablement();
     void topBarButtonsCarryShortcutsAndTooltips();
     void historyButtonsFollowTheStacks();
+    void disabledCommandsLookDisabled_data();
+    void disabledCommandsLookDisabled();
     void panesHaveTheirWidthLimits();
     void paneBarsLineUp_data();
     void paneBarsLineUp();
@@ -159,6 +172,7 @@ private Q_SLOTS:
     void cancellingTheAlertRenamesNothing();
     void confirmingRenamesAndShowsSuccess();
     void failuresAreListedInTheResultSheet();
+    void sheetsHaveNoMaximiseButton();
     void longFailuresAreShownWhole();
     void thousandsOfFailuresMakeNoWidgetPerRow();
     void overlayCoversTheWindowWhileRenaming();
@@ -377,6 +391,59 @@ void TestContentView::historyButtonsFollowTheStacks()
 
     QTest::mouseClick(redo, Qt::LeftButton);
     QCOMPARE(m_vm->files().constFirst().originalName(), u"new_a.txt"_s);
+}
+
+void TestContentView::disabledCommandsLookDisabled_data()
+{
+    QTest::addColumn<bool>("isDark");
+    QTest::newRow("light appearance") << false;
+    QTest::newRow("dark appearance") << true;
+}
+
+void TestContentView::disabledCommandsLookDisabled()
+{
+    QFETCH(bool, isDark);
+    const QPalette original = QApplication::palette();
+    const auto restorePalette = qScopeGuard([&] { QApplication::setPalette(original); });
+    if (isDark)
+        QApplication::setPalette(uitest::darkPalette());
+    QTRY_COMPARE(m_view->palette().color(QPalette::Window), QApplication::palette().color(QPalette::Window));
+    auto *undo = m_view->findChild<QToolButton *>(u"undoButton"_s);
+    auto *redo = m_view->findChild<QToolButton *>(u"redoButton"_s);
+    auto *rename = m_view->findChild<ProminentButton *>(u"renameButton"_s);
+    const QColor window = m_view->palette().color(QPalette::Window);
+    // The fill is read inside the rounded button, the text's contrast against that fill.
+    const auto renameLook = [rename] {
+        const QImage image = rename->grab().toImage();
+        const QColor fill = image.pixelColor(image.width() / 2, 3);
+        return std::pair{fill, contrastWith(image, fill)};
+    };
+
+    QVERIFY(!undo->isEnabled() && !redo->isEnabled() && !rename->isEnabled());
+    const int disabledUndo = contrastWith(undo->grab().toImage(), window);
+    const int disabledRedo = contrastWith(redo->grab().toImage(), window);
+    const auto [disabledFill, disabledText] = renameLook();
+
+    m_vm->addFiles(uitest::createFiles(*m_files, {u"a.txt"_s}));
+    m_vm->addRule(prefixRule(u"new_"_s));
+    // Two renames and an undo leave both an undo and a redo.
+    for (int round = 0; round < 2; ++round) {
+        m_vm->performRename();
+        QTRY_VERIFY(!m_vm->isRenaming());
+        m_vm->setShowRenameResult(false);
+    }
+    m_vm->undoRename();
+    QVERIFY(undo->isEnabled() && redo->isEnabled() && rename->isEnabled());
+    const auto [enabledFill, enabledText] = renameLook();
+
+    // A disabled symbol stands out from the window far less than an enabled one.
+    QVERIFY2(disabledUndo * 10 < contrastWith(undo->grab().toImage(), window) * 6,
+        qPrintable(u"%1 against %2"_s.arg(disabledUndo).arg(contrastWith(undo->grab().toImage(), window))));
+    QVERIFY(disabledRedo * 10 < contrastWith(redo->grab().toImage(), window) * 6);
+    // A disabled Rename button loses the accent's colour and its text stands out less.
+    QVERIFY(enabledFill.hslSaturationF() > 0.5);
+    QVERIFY2(disabledFill.hslSaturationF() < 0.25, qPrintable(disabledFill.name()));
+    QVERIFY2(disabledText * 10 < enabledText * 6, qPrintable(u"%1 against %2"_s.arg(disabledText).arg(enabledText)));
 }
 
 void TestContentView::panesHaveTheirWidthLimits()
@@ -602,10 +669,30 @@ void TestContentView::failuresAreListedInTheResultSheet()
     QTRY_VERIFY(!m_vm->showRenameResult());
 }
 
+void TestContentView::sheetsHaveNoMaximiseButton()
+{
+    m_vm->addFiles(uitest::createFiles(*m_files, {u"a.txt"_s}));
+    m_vm->addRule(prefixRule(u"new_"_s));
+    m_vm->performRename();
+    QTRY_VERIFY(uitest::visibleTopLevel<RenameResultView>(u"renameResultView"_s));
+    for (const QString &name : {u"renameResultView"_s, u"savePresetSheet"_s, u"loadPresetSheet"_s}) {
+        auto *sheet = m_view->findChild<QDialog *>(name);
+        QVERIFY2(sheet, qPrintable(name));
+        const Qt::WindowFlags flags = sheet->windowFlags();
+        // Its own hints, so the window manager adds none: a title and a close button, nothing else.
+        QVERIFY2(flags.testFlag(Qt::CustomizeWindowHint), qPrintable(name));
+        QVERIFY(flags.testFlag(Qt::WindowTitleHint));
+        QVERIFY(flags.testFlag(Qt::WindowCloseButtonHint));
+        QVERIFY2(!flags.testFlag(Qt::WindowMaximizeButtonHint), qPrintable(name));
+        QVERIFY(!flags.testFlag(Qt::WindowMinimizeButtonHint));
+        QCOMPARE(sheet->windowModality(), Qt::WindowModal);
+    }
+}
+
 void TestContentView::longFailuresAreShownWhole()
 {
     const QString reason = u"The new name is 412 bytes long; a file name can have at most 255. Shorten what the rules "
-                           u"insert or remove part of the name, then rename again."_s;
+                           u"insert or remove some of the name, then rename again."_s;
     const QString name = QString(u"a"_s).repeated(90) + u".txt"_s;
     m_vm->setFileMover(std::make_shared<FailingMover>(reason));
     m_vm->addFiles(uitest::createFiles(*m_files, {name, u"b.txt"_s}));

@@ -975,6 +975,11 @@ void TestRuleEditorView::screenshots()
         auto *loadSheet = uitest::visibleTopLevel<QDialog>(u"loadPresetSheet"_s);
         uitest::saveScreenshot(loadSheet, u"load-sheet"_s + suffix);
         loadSheet->reject();
+        // In a window of the application's width the long name shows whole.
+        m_view->resize(1200, 760);
+        QTest::mouseClick(child(u"loadPresetButton"_s), Qt::LeftButton);
+        uitest::saveScreenshot(loadSheet, u"load-sheet-wide"_s + suffix);
+        loadSheet->reject();
     }
     QApplication::setPalette(lightPalette);
 }

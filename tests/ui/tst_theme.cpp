@@ -6,7 +6,7 @@
 #include "ui/symbolicons.h"
 #include "uitesthelpers.h"
 
-#include <QFontInfo>
+#include <QFontMetricsF>
 #include <QGraphicsDropShadowEffect>
 #include <QImage>
 #include <QScopeGuard>
@@ -67,6 +67,23 @@ int paintedPixels(const QImage &image)
     return count;
 }
 
+/// Whether the characters of file names (letters narrow and wide, digits, punctuation, a space) all have one
+/// advance in `font`, alone and in a run of ten.
+bool hasEqualAdvances(const QFont &font)
+{
+    const QFontMetricsF metrics(font);
+    const QString sample = u"iIl1jMWm0_.-,:|@ (~"_s;
+    const qreal advance = metrics.horizontalAdvance(sample.at(0));
+    if (advance <= 0)
+        return false;
+    for (const QChar character : sample) {
+        if (!qFuzzyCompare(metrics.horizontalAdvance(character), advance)
+            || !qFuzzyCompare(metrics.horizontalAdvance(QString(10, character)), 10 * advance))
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 class TestTheme : public QObject
@@ -84,6 +101,9 @@ private Q_SLOTS:
     void colorsFollowTheAppearance();
     void accentIsLighterOnADarkWindow();
     void translucentColorsKeepTheirOpacity();
+    void disabledTextComesFromThePalette_data();
+    void disabledTextComesFromThePalette();
+    void disabledSymbolsAreDrawnInTheDisabledColour();
     void spacingScale();
     void fontStyles();
     void cardStyleGivesFillCornersAndShadow();
@@ -200,6 +220,51 @@ void TestTheme::translucentColorsKeepTheirOpacity()
     QCOMPARE(percent(AppColors::withOpacity(Qt::red, 0.25)), 25);
 }
 
+void TestTheme::disabledTextComesFromThePalette_data()
+{
+    QTest::addColumn<bool>("hasDisabledColour");
+    QTest::newRow("a palette's own colour for disabled text is used") << true;
+    QTest::newRow("a palette without one gives the text colour faded") << false;
+}
+
+void TestTheme::disabledTextComesFromThePalette()
+{
+    QFETCH(bool, hasDisabledColour);
+    const QPalette original = QApplication::palette();
+    const auto restore = qScopeGuard([&] { QApplication::setPalette(original); });
+    QPalette palette = uitest::darkPalette();
+    if (!hasDisabledColour)
+        palette.setColor(QPalette::WindowText, QColor(0xEC, 0xEC, 0xEE));
+    QApplication::setPalette(palette);
+
+    const QColor text = AppColors::disabledText();
+    if (hasDisabledColour) {
+        QCOMPARE(text, palette.color(QPalette::Disabled, QPalette::WindowText));
+    } else {
+        QCOMPARE(text.rgb(), palette.color(QPalette::WindowText).rgb());
+        QVERIFY(text.alphaF() < 0.5);
+    }
+    QVERIFY(AppColors::disabledFill().hslSaturationF() < 0.1);
+}
+
+void TestTheme::disabledSymbolsAreDrawnInTheDisabledColour()
+{
+    const QPalette original = QApplication::palette();
+    const auto restore = qScopeGuard([&] { QApplication::setPalette(original); });
+    QApplication::setPalette(uitest::darkPalette());
+    for (const QIcon &icon :
+        {SymbolIcons::icon(u"arrow.uturn.backward"_s), SymbolIcons::icon(u"play.fill"_s, Qt::white)}) {
+        const QImage image = icon.pixmap(QSize(48, 48), QIcon::Disabled).toImage();
+        QVERIFY(paintedPixels(image) > 20);
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                if (qAlpha(image.pixel(x, y)) == 255)
+                    QCOMPARE(image.pixelColor(x, y).rgb(), AppColors::disabledText().rgb());
+            }
+        }
+    }
+}
+
 void TestTheme::spacingScale()
 {
     QCOMPARE(AppSpacing::xs, 4);
@@ -211,8 +276,11 @@ void TestTheme::spacingScale()
 
 void TestTheme::fontStyles()
 {
-    QVERIFY(QFontInfo(AppFonts::mono()).fixedPitch());
-    QVERIFY(QFontInfo(AppFonts::monoSmall()).fixedPitch());
+    // Whichever family the system gives its monospaced font (some are not marked as fixed pitch), names drawn in
+    // it line up: every character is as wide as every other.
+    QVERIFY(hasEqualAdvances(AppFonts::mono()));
+    QVERIFY(hasEqualAdvances(AppFonts::monoSmall()));
+    QVERIFY(!hasEqualAdvances(AppFonts::body()));
     QVERIFY(AppFonts::monoSmall().pointSizeF() < AppFonts::mono().pointSizeF());
     QCOMPARE(AppFonts::label().weight(), QFont::Medium);
     QVERIFY(AppFonts::label().pointSizeF() < AppFonts::body().pointSizeF());
