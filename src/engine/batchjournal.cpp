@@ -341,11 +341,6 @@ bool BatchJournal::end(BatchRecord::State state, const std::vector<MoveOutcome> 
     return m_file->write(text) == text.size() && m_file->flush();
 }
 
-QString BatchJournal::path() const
-{
-    return m_file->fileName();
-}
-
 bool BatchJournal::markResolved(const QString &path, BatchRecord::State state)
 {
     QFile file(path);

@@ -34,8 +34,6 @@ public:
     /// lost end only makes the batch look interrupted, and recovery then finds each item where it is.
     bool end(BatchRecord::State state, const std::vector<MoveOutcome> &outcomes);
 
-    [[nodiscard]] QString path() const;
-
     /// Appends the end of an unfinished journal that a later batch has finished or reverted.
     static bool markResolved(const QString &path, BatchRecord::State state);
 
