@@ -32,6 +32,7 @@ BatchRecovery::Plan BatchRecovery::recover(bool toNewNames)
         const BatchRecord::Move &move = m_record.moves[index];
         const Found found = find(index);
         const NativePath &target = toNewNames ? move.to : move.from;
+        dropTemporaryLink(index, found);
         switch (found.name) {
         case Found::Name::Nowhere:
             plan.skipped[std::size_t(index)] =
@@ -92,6 +93,17 @@ BatchRecovery::Plan BatchRecovery::undo()
         plan.moveOfRequest.push_back(index);
     }
     return plan;
+}
+
+void BatchRecovery::dropTemporaryLink(qsizetype index, const Found &found)
+{
+    // A link-and-unlink move to or from the temporary name, killed between its steps, leaves the item there
+    // as well: that hidden second name goes.
+    if (found.name == Found::Name::Nowhere || found.name == Found::Name::Temporary)
+        return;
+    const NativePath temporary = found.path.parent() / BatchRunner::temporaryName(m_record.id, index);
+    if (isItemAt(temporary, m_record.moves[index].identity))
+        (void)m_mover.removeSecondName(temporary, found.path);
 }
 
 BatchRecovery::Found BatchRecovery::find(qsizetype index)

@@ -62,6 +62,7 @@ private:
 
     [[nodiscard]] Plan recover(bool toNewNames);
     [[nodiscard]] Found find(qsizetype move);
+    void dropTemporaryLink(qsizetype move, const Found &found);
     /// Where the folder is now: at its path, or where the batch moved it; none when it cannot be found.
     [[nodiscard]] std::optional<NativePath> folderNow(qsizetype folder);
     [[nodiscard]] bool isItemAt(const NativePath &path, const ItemIdentity &identity);

@@ -28,6 +28,7 @@ private Q_SLOTS:
     void interruptedAnywhereFinishesAndReverts();
     void anItemLeftUnderBothNamesKeepsOne_data();
     void anItemLeftUnderBothNamesKeepsOne();
+    void aSecondLinkUnderTheTemporaryNameGoes();
     void undoGivesBackTheOldNames();
     void undoSkipsWhatChangedSince();
     void undoOfAFolderAndItsContents();
@@ -184,6 +185,21 @@ void TestBatchRecovery::anItemLeftUnderBothNamesKeepsOne()
     QCOMPARE(plan.requests.size(), 0);
     QCOMPARE(plan.inPlace, 1);
     QCOMPARE(listing(), finish ? u"new=old"_s : u"old=old"_s);
+}
+
+void TestBatchRecovery::aSecondLinkUnderTheTemporaryNameGoes()
+{
+    create(u"a b"_s);
+    const BatchRecord record = interruptedBatch(requestsFrom({{u"a"_s, u"b"_s}, {u"b"_s, u"a"_s}}), 0);
+    // The first step of the swap, a link to the temporary name, killed before its unlink.
+    const QString temporary = BatchRunner::temporaryName(record.id, 0).toText();
+    QCOMPARE(
+        link(QFile::encodeName(m_dir->path(u"a"_s)).constData(), QFile::encodeName(m_dir->path(temporary)).constData()),
+        0);
+    SystemFileMover mover;
+    const BatchRecovery::Plan plan = BatchRecovery(record, mover).revert();
+    QCOMPARE(plan.inPlace, 2);
+    QCOMPARE(listing(), u"a=a b=b"_s);
 }
 
 void TestBatchRecovery::undoGivesBackTheOldNames()
