@@ -41,7 +41,7 @@ for system in "${systems[@]}"; do
             | sed 's/[0-9]* µs: //' | paste -sd ',' | sed 's/,/, /g')
         expected=$(grep -c '^XFAIL' "$log" || true)
         note=""
-        [ "$expected" -gt 0 ] && note="; $expected kills left a claim or a second link that recovery does not clear (expected failures)"
+        [ "$expected" -gt 0 ] && note="; $expected kills left a claim that recovery does not clear yet (expected failures)"
         printf '%-20s passed %s checks in %.1f s; kill rounds: %s%s\n' "$system" "$((passed - 2))" "$seconds" "$kills" "$note"
     fi
 done
