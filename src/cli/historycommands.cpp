@@ -97,6 +97,16 @@ QList<HistoryCommands::Entry> HistoryCommands::readHistory() const
     return entries;
 }
 
+QHash<QString, QString> HistoryCommands::undoneByOf(const QList<Entry> &entries)
+{
+    QHash<QString, QString> undoneBy;
+    for (const Entry &entry : entries) {
+        if (entry.record.kind == BatchRecord::Kind::Undo)
+            undoneBy.insert(entry.record.target, entry.record.id);
+    }
+    return undoneBy;
+}
+
 QString HistoryCommands::folderText(const BatchRecord &record)
 {
     if (record.folders.size() == 1)
@@ -107,11 +117,7 @@ QString HistoryCommands::folderText(const BatchRecord &record)
 int HistoryCommands::runHistory()
 {
     const QList<Entry> entries = readHistory();
-    QHash<QString, QString> undoneBy;
-    for (const Entry &entry : entries) {
-        if (entry.record.kind == BatchRecord::Kind::Undo)
-            undoneBy.insert(entry.record.target, entry.record.id);
-    }
+    const QHash<QString, QString> undoneBy = undoneByOf(entries);
     if (m_options.json) {
         QJsonArray array;
         for (const auto &[path, record] : entries) {
@@ -124,7 +130,7 @@ int HistoryCommands::runHistory()
                 {u"moved"_s, countOf(record, MoveOutcome::State::Moved)},
                 {u"failed"_s, countOf(record, MoveOutcome::State::Failed)},
                 {u"state"_s, stateWord(record, path)},
-                {u"undoneBy"_s, undoneBy.contains(record.id) ? QJsonValue(undoneBy[record.id]) : QJsonValue()}});
+                {u"undoneBy"_s, undoneBy.contains(record.id) ? QJsonValue(undoneBy.value(record.id)) : QJsonValue()}});
         }
         m_out << QString::fromUtf8(QJsonDocument(array).toJson(QJsonDocument::Indented));
         return 0;
@@ -153,11 +159,7 @@ int HistoryCommands::runUndo()
     if (m_options.words.size() > 1)
         return fail(u"usage: quillfern-cli undo [BATCH] [--yes]"_s);
     const QList<Entry> entries = readHistory();
-    QHash<QString, QString> undoneBy;
-    for (const Entry &entry : entries) {
-        if (entry.record.kind == BatchRecord::Kind::Undo)
-            undoneBy.insert(entry.record.target, entry.record.id);
-    }
+    const QHash<QString, QString> undoneBy = undoneByOf(entries);
     const Entry *chosen = nullptr;
     for (const Entry &entry : entries) {
         const bool isNamed = !m_options.words.isEmpty() && entry.record.id == m_options.words.front();
@@ -177,7 +179,7 @@ int HistoryCommands::runUndo()
     if (record.state == BatchRecord::State::Unfinished)
         return fail(u"batch %1 did not end; 'quillfern-cli recover' finishes or reverts it"_s.arg(record.id));
     if (undoneBy.contains(record.id))
-        return fail(u"batch %1 was undone already, by batch %2"_s.arg(record.id, undoneBy[record.id]));
+        return fail(u"batch %1 was undone already, by batch %2"_s.arg(record.id, undoneBy.value(record.id)));
 
     SystemFileMover disk;
     const BatchRecovery::Plan plan = BatchRecovery(record, disk).undo();

@@ -5,6 +5,7 @@
 #include "engine/batchrecord.h"
 #include "engine/moverequest.h"
 
+#include <QHash>
 #include <QTextStream>
 
 #include <optional>
@@ -42,6 +43,8 @@ private:
     /// Every readable journal, newest first.
     [[nodiscard]] QList<Entry> readHistory() const;
     [[nodiscard]] static QString folderText(const BatchRecord &record);
+    /// Which batch undid each batch, by id.
+    [[nodiscard]] static QHash<QString, QString> undoneByOf(const QList<Entry> &entries);
     int fail(const QString &message);
 
     const CliOptions &m_options;

@@ -42,6 +42,8 @@ private:
     /// Runs the batch, letting only the first `moves` moves happen as if the process were killed then, and
     /// returns the journal it left.
     [[nodiscard]] BatchRecord interruptedBatch(const QList<MoveRequest> &requests, int moves);
+    /// Runs the batch to its end and returns its journal.
+    [[nodiscard]] BatchRecord endedBatch(const QList<MoveRequest> &requests);
     /// Runs the recovery's plan as its own batch.
     void runPlan(const BatchRecovery::Plan &plan);
 
@@ -116,6 +118,20 @@ BatchRecord TestBatchRecovery::interruptedBatch(const QList<MoveRequest> &reques
         qFatal("%s", qPrintable(error));
     if (wasKilled && record->state != BatchRecord::State::Unfinished)
         qFatal("a killed batch left an ended journal");
+    return *record;
+}
+
+BatchRecord TestBatchRecovery::endedBatch(const QList<MoveRequest> &requests)
+{
+    SystemFileMover mover;
+    BatchRunner runner(mover);
+    runner.setHistoryFolder(m_history->path());
+    if (!runner.run(requests))
+        qFatal("the batch did not start: %s", qPrintable(runner.error()));
+    QString error;
+    const auto record = BatchJournal::read(BatchHistory(m_history->path()).journalOf(runner.batchId()), error);
+    if (!record)
+        qFatal("%s", qPrintable(error));
     return *record;
 }
 
@@ -206,14 +222,9 @@ void TestBatchRecovery::undoGivesBackTheOldNames()
 {
     create(u"a b c taken"_s);
     SystemFileMover mover;
-    BatchRunner runner(mover);
-    runner.setHistoryFolder(m_history->path());
-    QVERIFY(runner.run(requestsFrom({{u"a"_s, u"b"_s}, {u"b"_s, u"a"_s}, {u"c"_s, u"taken"_s}})));
+    const BatchRecord record = endedBatch(requestsFrom({{u"a"_s, u"b"_s}, {u"b"_s, u"a"_s}, {u"c"_s, u"taken"_s}}));
     QCOMPARE(listing(), u"a=b b=a c=c taken=taken"_s);
-    QString error;
-    const auto record = BatchJournal::read(BatchHistory(m_history->path()).journalOf(runner.batchId()), error);
-    QVERIFY2(record, qPrintable(error));
-    BatchRecovery recovery(*record, mover);
+    BatchRecovery recovery(record, mover);
     const BatchRecovery::Plan plan = recovery.undo();
     // The failed move is not undone.
     QCOMPARE(plan.requests.size(), 2);
@@ -225,12 +236,10 @@ void TestBatchRecovery::undoSkipsWhatChangedSince()
 {
     create(u"edited replaced moved kept"_s);
     SystemFileMover mover;
-    BatchRunner runner(mover);
-    runner.setHistoryFolder(m_history->path());
-    QVERIFY(runner.run(requestsFrom({{u"edited"_s, u"edited2"_s},
+    const BatchRecord record = endedBatch(requestsFrom({{u"edited"_s, u"edited2"_s},
         {u"replaced"_s, u"replaced2"_s},
         {u"moved"_s, u"moved2"_s},
-        {u"kept"_s, u"kept2"_s}})));
+        {u"kept"_s, u"kept2"_s}}));
     {
         QFile edited(m_dir->path(u"edited2"_s));
         QVERIFY(edited.open(QIODevice::Append));
@@ -243,10 +252,7 @@ void TestBatchRecovery::undoSkipsWhatChangedSince()
         0);
     QVERIFY(QFile::rename(m_dir->path(u"moved2"_s), m_dir->path(u"elsewhere"_s)));
 
-    QString error;
-    const auto record = BatchJournal::read(BatchHistory(m_history->path()).journalOf(runner.batchId()), error);
-    QVERIFY(record);
-    const BatchRecovery::Plan plan = BatchRecovery(*record, mover).undo();
+    const BatchRecovery::Plan plan = BatchRecovery(record, mover).undo();
     QCOMPARE(plan.skipped[0], u"“edited2” was changed since the rename."_s);
     QCOMPARE(plan.skipped[1], u"“replaced2” is another item now: it was replaced since the rename."_s);
     QCOMPARE(plan.skipped[2], u"“moved2” is no longer in “%1”."_s.arg(m_dir->path()));
@@ -260,14 +266,9 @@ void TestBatchRecovery::undoOfAFolderAndItsContents()
 {
     create(u"d/ d/x"_s);
     SystemFileMover mover;
-    BatchRunner runner(mover);
-    runner.setHistoryFolder(m_history->path());
-    QVERIFY(runner.run(requestsFrom({{u"d"_s, u"e"_s}, {u"d/x"_s, u"y"_s}})));
+    const BatchRecord record = endedBatch(requestsFrom({{u"d"_s, u"e"_s}, {u"d/x"_s, u"y"_s}}));
     QCOMPARE(listing(), u"e/ e/y=d/x"_s);
-    QString error;
-    const auto record = BatchJournal::read(BatchHistory(m_history->path()).journalOf(runner.batchId()), error);
-    QVERIFY(record);
-    runPlan(BatchRecovery(*record, mover).undo());
+    runPlan(BatchRecovery(record, mover).undo());
     QCOMPARE(listing(), u"d/ d/x=d/x"_s);
 }
 
