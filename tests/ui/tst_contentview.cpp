@@ -403,10 +403,7 @@ void TestContentView::disabledCommandsLookDisabled_data()
 void TestContentView::disabledCommandsLookDisabled()
 {
     QFETCH(bool, isDark);
-    const QPalette original = QApplication::palette();
-    const auto restorePalette = qScopeGuard([&] { QApplication::setPalette(original); });
-    if (isDark)
-        QApplication::setPalette(uitest::darkPalette());
+    const uitest::PaletteScope palette(isDark);
     QTRY_COMPARE(m_view->palette().color(QPalette::Window), QApplication::palette().color(QPalette::Window));
     auto *undo = m_view->findChild<QToolButton *>(u"undoButton"_s);
     auto *redo = m_view->findChild<QToolButton *>(u"redoButton"_s);
@@ -917,10 +914,7 @@ void TestContentView::screenshots()
     QFETCH(bool, isDark);
     if (qEnvironmentVariableIsEmpty("QUILLFERN_SCREENSHOTS"))
         QSKIP("set QUILLFERN_SCREENSHOTS to a folder to save pictures of the window");
-    const QPalette original = QApplication::palette();
-    const auto restorePalette = qScopeGuard([&] { QApplication::setPalette(original); });
-    if (isDark)
-        QApplication::setPalette(uitest::darkPalette());
+    const uitest::PaletteScope palette(isDark);
     // The window takes a new application palette on its next turn of the event loop.
     QTRY_COMPARE(m_view->palette().color(QPalette::Window), QApplication::palette().color(QPalette::Window));
     const QString suffix = isDark ? u"-dark"_s : u"-light"_s;

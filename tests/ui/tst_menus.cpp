@@ -565,10 +565,7 @@ void TestMenus::renamingScreenshots()
     QFETCH(bool, isDark);
     if (qEnvironmentVariableIsEmpty("QUILLFERN_SCREENSHOTS"))
         QSKIP("set QUILLFERN_SCREENSHOTS to a folder to save pictures of the window");
-    const QPalette original = QApplication::palette();
-    const auto restorePalette = qScopeGuard([&] { QApplication::setPalette(original); });
-    if (isDark)
-        QApplication::setPalette(uitest::darkPalette());
+    const uitest::PaletteScope palette(isDark);
     QTRY_COMPARE(m_app->window().palette().color(QPalette::Window), QApplication::palette().color(QPalette::Window));
     addFiles({u"holiday photo.jpg"_s, u"notes.txt"_s, u"report.pdf"_s});
     m_app->vm().addRule(prefixRule());

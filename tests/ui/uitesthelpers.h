@@ -92,6 +92,25 @@ inline QPalette darkPalette()
     return palette;
 }
 
+/// While it lives, the application has the dark palette when `isDark` (the light one it had otherwise); the
+/// palette it had comes back when it goes.
+class PaletteScope final
+{
+public:
+    explicit PaletteScope(bool isDark)
+        : m_original(QApplication::palette())
+    {
+        if (isDark)
+            QApplication::setPalette(darkPalette());
+    }
+    ~PaletteScope() { QApplication::setPalette(m_original); }
+    PaletteScope(const PaletteScope &) = delete;
+    PaletteScope &operator=(const PaletteScope &) = delete;
+
+private:
+    QPalette m_original;
+};
+
 /// Saves `picture` as <name>.png when QUILLFERN_SCREENSHOTS names a folder; does nothing otherwise.
 inline void saveScreenshot(const QPixmap &picture, const QString &name)
 {
